@@ -1,0 +1,90 @@
+#include "batch/operation.h"
+
+#include "core/error_codes.h"
+#include "core/names.h"
+#include "core/platform.h"
+#include "core/strings.h"
+
+namespace pxm {
+
+int ChooseImage(Operation& op, int row, const std::string& /*path*/) {
+  const FormatEntry& entry = op.table[static_cast<size_t>(row)];
+  if (!(entry.caps & kCapsMultiImage) || op.info.imageCount <= 1) return kOk;
+  std::vector<std::string> names;
+  for (uint32_t i = 0; i < op.info.imageCount && i < 128; ++i)
+    names.push_back(FormatText("Image %u", i + 1));
+  auto chosen = op.host.SelectImage(names, op.info.imageCount);
+  if (!chosen) return kCancelled;
+  op.info.imageIndex = *chosen;
+  return kOk;
+}
+
+int OpenSource(Operation& op, const std::string& path, int& row) {
+  row = FindFormatIn(op.table, path);
+  if (row < 0) return kUnsupportedFormat;
+  const FormatEntry& entry = op.table[static_cast<size_t>(row)];
+  if (!entry.info) return kUnsupportedFunction;
+  if (int code = entry.info(op.info, path, 0)) return code;
+  if (int code = ChooseImage(op, row, path)) return code;
+  if (op.info.imageIndex != 0)
+    if (int code = entry.info(op.info, path, 0)) return code;
+  return kOk;
+}
+
+int ReadSource(Operation& op, int row, const std::string& path, LineSink sink) {
+  const FormatEntry& entry = op.table[static_cast<size_t>(row)];
+  if (!entry.read) return kUnsupportedFunction;
+  op.host.SetStatus(MessageWithName(kStrReading, path));
+  op.host.ReportProgress(0, 0);
+  op.info.putLine = std::move(sink);
+  op.store.rowsDone = 0;
+  op.store.ClearAbort();
+  try {
+    return entry.read(op.info, path);
+  } catch (const std::bad_alloc&) {
+    return kMemoryError;
+  }
+}
+
+int PostRead(ImageInfo& info) {
+  if (!info.temporaryFile.empty()) {
+    platform::RemoveFile(info.temporaryFile);
+    info.temporaryFile.clear();
+  }
+  return kOk;
+}
+
+int WriteDestination(Operation& op, int destRow, const std::string& output, LineSource source) {
+  const FormatEntry& entry = op.table[static_cast<size_t>(destRow)];
+  if (!entry.write) return kUnsupportedFunction;
+  op.host.SetStatus(MessageWithName(kStrWriting, output));
+  op.host.ReportProgress(0, 0);
+  op.store.rowsDone = 0;
+  SetText(op.info.fileName, output, kMaxNameLength);
+  op.info.getLine = std::move(source);
+
+  if (entry.caps & kCapsClipboard) {
+    try {
+      return entry.write(op.info, output);
+    } catch (const std::bad_alloc&) {
+      return kMemoryError;
+    }
+  }
+  auto temporary = platform::CreateTemporaryFileIn(DirectoryPart(output), NamePart(output));
+  if (!temporary) return kCreateError;
+  int code;
+  try {
+    code = entry.write(op.info, *temporary);
+  } catch (const std::bad_alloc&) {
+    code = kMemoryError;
+  }
+  if (code == kOk && !platform::ReplaceFile(*temporary, output)) code = kRenameError;
+  if (code != kOk) {
+    platform::RemoveFile(*temporary);
+    return code;
+  }
+  op.host.FileWritten(output);
+  return kOk;
+}
+
+}  // namespace pxm

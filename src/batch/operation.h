@@ -1,0 +1,50 @@
+#pragma once
+
+#include <span>
+#include <string>
+#include <vector>
+
+#include "core/host.h"
+#include "core/image_info.h"
+#include "core/image_store.h"
+#include "formats/format_table.h"
+
+namespace pxm {
+
+using FormatTableView = std::span<const FormatEntry, kFormatCount>;
+
+// What one running command owns for the file in hand: the current record and the one store.
+struct Operation {
+  explicit Operation(Host& h, FormatTableView t = FormatTable()) : host(h), table(t), store(h) {
+    info.host = &h;
+  }
+  Host& host;
+  FormatTableView table;
+  ImageInfo info;
+  ImageStore store;
+};
+
+// Looks the source up, runs its info handler (purpose 0) and, for a row that may hold several
+// images, the select-image box; when an image other than the first was chosen, info runs again
+// for it. Answers the code, and the source row in `row`.
+int OpenSource(Operation& op, const std::string& path, int& row);
+
+// The select-image box for a multi-image row: names from the record's image count. Cancelling
+// answers 4.
+int ChooseImage(Operation& op, int row, const std::string& path);
+
+// Shows "Reading %s", points putLine at `sink`, clears the progress counter and the abort flag
+// and runs the row's reader.
+int ReadSource(Operation& op, int row, const std::string& path, LineSink sink);
+
+// The step after every successful read: removes the file a reader made for itself (a decoded
+// attachment, say), so nothing of it outlives the read.
+int PostRead(ImageInfo& info);
+
+// Shows "Writing %s", resets the progress cell, puts the output path into the record, points
+// getLine at `source` and runs the destination's writer on a temporary file beside the output,
+// renamed over the output name only when the writer succeeded. Nothing is left behind on
+// failure and an existing file of that name survives it. A success is announced to the host.
+int WriteDestination(Operation& op, int destRow, const std::string& output, LineSource source);
+
+}  // namespace pxm

@@ -1,0 +1,89 @@
+#include <iostream>
+#include <sstream>
+
+#include "batch/get_info.h"
+#include "cli/context.h"
+#include "cli/json.h"
+#include "core/strings.h"
+
+namespace pxm::cli {
+namespace {
+
+struct Field {
+  const char* name;
+  std::string text;   // as printed in the text form
+  bool isNumber;
+};
+
+std::vector<Field> Fields(const InfoResult& r) {
+  const ImageInfo& i = r.info;
+  auto num = [](auto v) { return std::to_string(v); };
+  return {
+      {"fileName", i.fileName, false},
+      {"description", i.description, false},
+      {"width", num(i.width), true},
+      {"depth", num(i.depth), true},
+      {"bits", num(i.bits), true},
+      {"imageCount", num(i.imageCount), true},
+      {"imageIndex", num(i.imageIndex), true},
+      {"fileSize", num(i.fileSize), true},
+      {"unpackedSize", num(i.unpackedSize), true},
+      {"background", num(i.background), true},
+      {"flags", num(i.flags), true},
+      {"format", std::string(FormatAt(r.row).description), false},
+  };
+}
+
+std::string JsonObject(const InfoResult& r) {
+  std::ostringstream out;
+  out << "{";
+  bool first = true;
+  for (const Field& f : Fields(r)) {
+    out << (first ? "" : ", ") << JsonString(f.name) << ": "
+        << (f.isNumber ? f.text : JsonString(f.text));
+    first = false;
+  }
+  size_t entries = r.info.bits <= 8 ? (size_t{1} << r.info.bits) : 256;
+  out << ", \"palette\": [";
+  for (size_t k = 0; k < entries; ++k) {
+    const Rgb& c = r.info.palette[k];
+    out << (k ? ", " : "") << "[" << int{c.red} << ", " << int{c.green} << ", " << int{c.blue}
+        << "]";
+  }
+  out << "], \"report\": [";
+  for (size_t k = 0; k < r.report.size(); ++k)
+    out << (k ? ", " : "") << JsonString(r.report[k]);
+  out << "]}";
+  return out.str();
+}
+
+}  // namespace
+
+int RunInfo(Context& ctx, const std::vector<std::string>& files, bool report) {
+  int status = 0;
+  bool firstPrinted = true;
+  if (ctx.options.json) std::cout << "[";
+  for (const std::string& path : files) {
+    InfoResult result;
+    int code = GetInfo(*ctx.host, path, report, result);
+    ctx.host->ClearLine();
+    if (code != 0) {
+      ReportFailure(ctx, path, code);
+      if (status == 0) status = code;
+      if (ctx.host->Interrupted()) break;
+      continue;
+    }
+    if (ctx.options.json) {
+      std::cout << (firstPrinted ? "\n " : ",\n ") << JsonObject(result);
+    } else {
+      if (!firstPrinted) std::cout << '\n';
+      for (const Field& f : Fields(result)) std::cout << f.name << ": " << f.text << '\n';
+      for (const std::string& line : result.report) std::cout << line << '\n';
+    }
+    firstPrinted = false;
+  }
+  if (ctx.options.json) std::cout << (firstPrinted ? "]\n" : "\n]\n");
+  return status;
+}
+
+}  // namespace pxm::cli

@@ -1,0 +1,129 @@
+// pxm: Pixmill's batch tool. Runs one command over the files named on the command line with the
+// same engine, settings and rules as the desktop program.
+
+#include <CLI/CLI.hpp>
+
+#include <iostream>
+
+#include "cli/context.h"
+#include "config/ini.h"
+#include "config/settings.h"
+#include "core/platform.h"
+
+namespace pxm::cli {
+namespace {
+
+void AddGlobalOptions(CLI::App& app, GlobalOptions& o) {
+  app.add_option("--ini", o.ini, "Read settings from PATH instead of the user's PXM.INI")
+      ->type_name("PATH");
+  app.add_option("--set", o.sets,
+                 "One more PXM.INI line, applied after the file (repeatable), e.g. --set GIF=0")
+      ->type_name("KEY=VALUE")
+      ->allow_extra_args(false);
+  app.add_option("--to", o.to, "Destination format by its three-letter extension")
+      ->type_name("EXT");
+  app.add_option("--dest-dir", o.destDir,
+                 "Destination directory (with FilenameUnderbars on, names are cut to 6 "
+                 "characters)")
+      ->type_name("DIR");
+  app.add_option("--output", o.output,
+                 "With one input file: the output name, as chosen in the save dialog")
+      ->type_name("PATH");
+  app.add_option("--image", o.image, "Image to take from a multi-image file, counting from 0")
+      ->type_name("N");
+  app.add_option("--comment", o.comment, "Answer of the comment dialog wherever it is shown")
+      ->type_name("TEXT");
+  app.add_option("--uue-part", o.uueParts,
+                 "Next part of a split UUE file, in order (repeatable); then Ok")
+      ->type_name("PATH")
+      ->allow_extra_args(false);
+  auto* yes = app.add_flag("--yes", o.yes, "Answer Yes to every question (overwrite, Move)");
+  app.add_flag("--no", o.no, "Answer No to every question")->excludes(yes);
+  app.add_flag("--quiet", o.quiet, "No status or progress output");
+  app.add_flag("--json", o.json, "Machine-readable output where a command prints results");
+}
+
+// Settings: defaults, then the file, then the --set lines by the same rules.
+void LoadSettings(Context& ctx) {
+  if (!ctx.options.ini.empty()) {
+    ctx.iniPath = ctx.options.ini;
+  } else if (auto path = platform::ConfigFilePath()) {
+    ctx.iniPath = *path;
+  }
+  Settings& settings = CurrentSettings();
+  if (!ctx.iniPath.empty()) {
+    ReadConfiguration(ctx.iniPath, settings);
+    ReadRecentDirectories(ctx.iniPath, ctx.recent);
+  }
+  for (const std::string& line : ctx.options.sets) ApplyConfigurationLine(line, settings);
+}
+
+int Main(int argc, char** argv) {
+  CLI::App app{"Pixmill batch tool: converts and inspects picture files.", "pxm"};
+  app.require_subcommand(1);
+  app.footer(
+      "Exit status: 0 when every file succeeded, else the error code (1-24) of the first file "
+      "that failed, 64 for a usage error.\nSettings come from PXM.INI (see `pxm config path`); "
+      "pxm writes it only through `pxm config write`.");
+  Context ctx;
+  AddGlobalOptions(app, ctx.options);
+
+  auto* formats = app.add_subcommand("formats", "List the format table: row, extension, "
+                                                "description, maxBits, caps, enabled, read, write");
+  formats->fallthrough();
+
+  bool report = false;
+  std::vector<std::string> infoFiles;
+  auto* info = app.add_subcommand("info", "Get info: describe each file as the info box does");
+  info->fallthrough();
+  info->add_flag("--report", report, "Add the format's block, chunk, card or tag report");
+  info->add_option("files", infoFiles, "Picture files")->required()->type_name("FILE");
+
+  std::vector<std::string> convertFiles;
+  auto* convert = app.add_subcommand(
+      "convert", "Convert each file into the --to format (prints SOURCE -> OUTPUT)");
+  convert->fallthrough();
+  convert->add_option("files", convertFiles, "Picture files")->required()->type_name("FILE");
+
+  std::string action;
+  auto* config = app.add_subcommand(
+      "config", "PXM.INI: `path` where it lives, `show` the lines the writer would write, "
+                "`write` the file as the program does at shutdown");
+  config->fallthrough();
+  config->add_option("action", action, "path, show or write")
+      ->required()
+      ->check(CLI::IsMember({"path", "show", "write"}));
+
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::CallForHelp& e) {
+    return app.exit(e);
+  } catch (const CLI::CallForAllHelp& e) {
+    return app.exit(e);
+  } catch (const CLI::ParseError& e) {
+    app.exit(e);
+    return kUsageError;
+  }
+
+  LoadSettings(ctx);
+  Answers answers;
+  if (ctx.options.yes) answers.yes = true;
+  if (ctx.options.no) answers.yes = false;
+  answers.image = ctx.options.image;
+  answers.comment = ctx.options.comment;
+  answers.nextFiles = ctx.options.uueParts;
+  answers.quiet = ctx.options.quiet;
+  if (!ctx.options.output.empty()) answers.output = ctx.options.output;
+  TerminalHost host(answers);
+  ctx.host = &host;
+
+  if (*formats) return RunFormats(ctx);
+  if (*info) return RunInfo(ctx, infoFiles, report);
+  if (*convert) return RunConvert(ctx, convertFiles);
+  return RunConfig(ctx, action);
+}
+
+}  // namespace
+}  // namespace pxm::cli
+
+int main(int argc, char** argv) { return pxm::cli::Main(argc, argv); }

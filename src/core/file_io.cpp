@@ -1,0 +1,211 @@
+#include "core/file_io.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+
+namespace pxm {
+namespace {
+
+constexpr size_t kBufferSize = 1 << 16;
+
+ssize_t ReadFully(int fd, uint8_t* out, size_t n) {
+  size_t done = 0;
+  while (done < n) {
+    ssize_t r = read(fd, out + done, n - done);
+    if (r < 0) {
+      if (errno == EINTR) continue;
+      return done ? static_cast<ssize_t>(done) : -1;
+    }
+    if (r == 0) break;
+    done += static_cast<size_t>(r);
+  }
+  return static_cast<ssize_t>(done);
+}
+
+bool WriteFully(int fd, const uint8_t* data, size_t n) {
+  while (n > 0) {
+    ssize_t w = write(fd, data, n);
+    if (w < 0) {
+      if (errno == EINTR) continue;
+      return false;
+    }
+    data += w;
+    n -= static_cast<size_t>(w);
+  }
+  return true;
+}
+
+}  // namespace
+
+InputFile::~InputFile() { Close(); }
+
+bool InputFile::Open(const std::string& path) {
+  Close();
+  fd_ = open(path.c_str(), O_RDONLY | O_CLOEXEC);
+  if (fd_ < 0) return false;
+  struct stat st;
+  if (fstat(fd_, &st) != 0 || S_ISDIR(st.st_mode)) {
+    Close();
+    return false;
+  }
+  size_ = static_cast<uint64_t>(st.st_size);
+  buffer_.resize(kBufferSize);
+  pos_ = end_ = 0;
+  filePos_ = 0;
+  return true;
+}
+
+void InputFile::Close() {
+  if (fd_ >= 0) close(fd_);
+  fd_ = -1;
+  pos_ = end_ = 0;
+}
+
+bool InputFile::Refill() {
+  if (fd_ < 0) return false;
+  ssize_t r = ReadFully(fd_, buffer_.data(), buffer_.size());
+  pos_ = 0;
+  end_ = r > 0 ? static_cast<size_t>(r) : 0;
+  filePos_ += end_;
+  return end_ > 0;
+}
+
+size_t InputFile::Read(void* out, size_t n) {
+  if (fd_ < 0) return 0;
+  auto* dst = static_cast<uint8_t*>(out);
+  size_t done = 0;
+  size_t buffered = std::min(n, end_ - pos_);
+  std::memcpy(dst, buffer_.data() + pos_, buffered);
+  pos_ += buffered;
+  done += buffered;
+  if (done == n) return done;
+  if (n - done >= buffer_.size()) {
+    // Large reads go straight into the caller's memory; the buffer is empty by now.
+    pos_ = end_ = 0;
+    ssize_t r = ReadFully(fd_, dst + done, n - done);
+    if (r > 0) {
+      filePos_ += static_cast<uint64_t>(r);
+      done += static_cast<size_t>(r);
+    }
+    return done;
+  }
+  while (done < n && Refill()) {
+    size_t take = std::min(n - done, end_ - pos_);
+    std::memcpy(dst + done, buffer_.data() + pos_, take);
+    pos_ += take;
+    done += take;
+  }
+  return done;
+}
+
+bool InputFile::ReadLine(std::string& line, size_t limit) {
+  line.clear();
+  bool any = false;
+  while (line.size() < limit) {
+    int c = ReadByte();
+    if (c < 0) return any;
+    any = true;
+    if (c == '\n') return true;
+    line.push_back(static_cast<char>(c));
+  }
+  return true;
+}
+
+bool InputFile::Seek(uint64_t offset) {
+  if (fd_ < 0) return false;
+  uint64_t bufferStart = filePos_ - end_;
+  if (offset >= bufferStart && offset <= filePos_) {
+    pos_ = static_cast<size_t>(offset - bufferStart);
+    return true;
+  }
+  if (lseek(fd_, static_cast<off_t>(offset), SEEK_SET) < 0) return false;
+  filePos_ = offset;
+  pos_ = end_ = 0;
+  return true;
+}
+
+OutputFile::~OutputFile() { Discard(); }
+
+bool OutputFile::Create(const std::string& path) {
+  Discard();
+  fd_ = open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
+  if (fd_ < 0) return false;
+  path_ = path;
+  buffer_.resize(kBufferSize);
+  used_ = 0;
+  pos_ = 0;
+  failed_ = false;
+  return true;
+}
+
+bool OutputFile::Flush() {
+  if (used_ == 0) return !failed_;
+  if (!failed_ && !WriteFully(fd_, buffer_.data(), used_)) failed_ = true;
+  pos_ += used_;
+  used_ = 0;
+  return !failed_;
+}
+
+bool OutputFile::Write(const void* data, size_t n) {
+  if (fd_ < 0 || failed_) return false;
+  const auto* src = static_cast<const uint8_t*>(data);
+  if (used_ + n <= buffer_.size()) {
+    std::memcpy(buffer_.data() + used_, src, n);
+    used_ += n;
+    return true;
+  }
+  if (!Flush()) return false;
+  if (n >= buffer_.size()) {
+    if (!WriteFully(fd_, src, n)) failed_ = true;
+    pos_ += n;
+    return !failed_;
+  }
+  std::memcpy(buffer_.data(), src, n);
+  used_ = n;
+  return true;
+}
+
+bool OutputFile::Seek(uint64_t offset) {
+  if (fd_ < 0 || !Flush()) return false;
+  if (lseek(fd_, static_cast<off_t>(offset), SEEK_SET) < 0) {
+    failed_ = true;
+    return false;
+  }
+  pos_ = offset;
+  return true;
+}
+
+bool OutputFile::Commit() {
+  if (fd_ < 0) return false;
+  bool ok = Flush();
+  if (close(fd_) != 0) ok = false;
+  fd_ = -1;
+  if (!ok) {
+    unlink(path_.c_str());
+    return false;
+  }
+  path_.clear();
+  return true;
+}
+
+void OutputFile::Discard() {
+  if (fd_ < 0) return;
+  close(fd_);
+  fd_ = -1;
+  unlink(path_.c_str());
+  path_.clear();
+}
+
+bool ReadWholeFile(const std::string& path, std::vector<uint8_t>& out, uint64_t limit) {
+  InputFile in;
+  if (!in.Open(path) || in.Size() > limit) return false;
+  out.resize(static_cast<size_t>(in.Size()));
+  return in.ReadExact(out.data(), out.size());
+}
+
+}  // namespace pxm

@@ -1,0 +1,170 @@
+#include "core/platform.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <sys/statvfs.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+#include <ctime>
+#include <filesystem>
+#include <vector>
+
+namespace pxm::platform {
+namespace {
+
+std::string Env(const char* name) {
+  const char* v = std::getenv(name);
+  return v ? std::string(v) : std::string();
+}
+
+mode_t CurrentUmask() {
+  mode_t mask = umask(0);
+  umask(mask);
+  return mask;
+}
+
+struct TempDirectory {
+  std::string path;
+  TempDirectory() {
+    std::string templ = TempRoot() + "/pixmill-XXXXXX";
+    std::vector<char> buf(templ.begin(), templ.end());
+    buf.push_back('\0');
+    if (mkdtemp(buf.data())) path = buf.data();
+  }
+  ~TempDirectory() {
+    if (path.empty()) return;
+    std::error_code ec;
+    std::filesystem::remove_all(path, ec);
+  }
+};
+
+}  // namespace
+
+std::optional<std::string> ConfigDirectory() {
+  std::string xdg = Env("XDG_CONFIG_HOME");
+  if (!xdg.empty()) return xdg + "/pixmill";
+  std::string home = Env("HOME");
+  if (!home.empty()) return home + "/.config/pixmill";
+  return std::nullopt;
+}
+
+std::optional<std::string> ConfigFilePath() {
+  auto dir = ConfigDirectory();
+  if (!dir) return std::nullopt;
+  return *dir + "/PXM.INI";
+}
+
+bool MakeDirectories(const std::string& path) {
+  std::error_code ec;
+  std::filesystem::create_directories(path, ec);
+  return IsDirectory(path);
+}
+
+std::string TempRoot() {
+  std::string root = Env("TMPDIR");
+  if (root.empty()) root = "/tmp";
+  while (root.size() > 1 && root.back() == '/') root.pop_back();
+  return root;
+}
+
+const std::string& PrivateTempDirectory() {
+  static TempDirectory dir;
+  return dir.path;
+}
+
+int CreateSpillFile() {
+  std::string templ = TempRoot() + "/!TEMP~~~XXXXXX";
+  std::vector<char> buf(templ.begin(), templ.end());
+  buf.push_back('\0');
+  int fd = mkostemp(buf.data(), O_CLOEXEC);  // exclusive create, mode 0600
+  if (fd < 0) return -1;
+  unlink(buf.data());
+  return fd;
+}
+
+uint64_t StoreMemoryLimit() {
+  std::string limit = Env("PXM_MEMORY_LIMIT");
+  if (!limit.empty()) {
+    char* end = nullptr;
+    errno = 0;
+    unsigned long long v = std::strtoull(limit.c_str(), &end, 10);
+    if (errno == 0 && end != limit.c_str()) return v;
+  }
+  long pages = sysconf(_SC_AVPHYS_PAGES);
+  long pageSize = sysconf(_SC_PAGESIZE);
+  if (pages <= 0 || pageSize <= 0) return 256ull << 20;
+  return static_cast<uint64_t>(pages) * static_cast<uint64_t>(pageSize) / 2;
+}
+
+uint64_t FreeDiskSpace(const std::string& directory) {
+  struct statvfs st;
+  if (statvfs(directory.c_str(), &st) != 0) return 0;
+  return static_cast<uint64_t>(st.f_bavail) * st.f_frsize;
+}
+
+std::string CurrentDirectory() {
+  std::error_code ec;
+  auto p = std::filesystem::current_path(ec);
+  return ec ? std::string() : p.string();
+}
+
+bool SameFile(const std::string& a, const std::string& b) {
+  struct stat sa, sb;
+  if (stat(a.c_str(), &sa) != 0 || stat(b.c_str(), &sb) != 0) return false;
+  return sa.st_dev == sb.st_dev && sa.st_ino == sb.st_ino;
+}
+
+bool FileExists(const std::string& path) {
+  struct stat st;
+  return stat(path.c_str(), &st) == 0;
+}
+
+bool IsDirectory(const std::string& path) {
+  struct stat st;
+  return stat(path.c_str(), &st) == 0 && S_ISDIR(st.st_mode);
+}
+
+int64_t FileSize(const std::string& path) {
+  struct stat st;
+  if (stat(path.c_str(), &st) != 0) return -1;
+  return static_cast<int64_t>(st.st_size);
+}
+
+bool RemoveFile(const std::string& path) { return unlink(path.c_str()) == 0; }
+
+std::optional<std::string> CreateTemporaryFileIn(const std::string& directory,
+                                                 const std::string& hint) {
+  std::string dir = directory.empty() ? std::string(".") : directory;
+  if (dir.back() != '/') dir += '/';
+  std::string templ = dir + "." + hint.substr(0, 64) + ".pxm-XXXXXX";
+  std::vector<char> buf(templ.begin(), templ.end());
+  buf.push_back('\0');
+  int fd = mkostemp(buf.data(), O_CLOEXEC);
+  if (fd < 0) return std::nullopt;
+  close(fd);
+  return std::string(buf.data());
+}
+
+bool ReplaceFile(const std::string& from, const std::string& to) {
+  struct stat st;
+  mode_t mode = (0666 & ~CurrentUmask());
+  if (stat(to.c_str(), &st) == 0 && S_ISREG(st.st_mode)) mode = st.st_mode & 07777;
+  chmod(from.c_str(), mode);
+  return rename(from.c_str(), to.c_str()) == 0;
+}
+
+std::string CtimeNow() {
+  time_t now = time(nullptr);
+  struct tm local;
+  localtime_r(&now, &local);
+  char buf[64];
+  if (!asctime_r(&local, buf)) return std::string(24, ' ');
+  return std::string(buf, strnlen(buf, 24));
+}
+
+bool IsTerminal(int fd) { return isatty(fd) == 1; }
+
+}  // namespace pxm::platform

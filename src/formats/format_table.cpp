@@ -1,0 +1,132 @@
+#include "formats/format_table.h"
+
+#include <cstring>
+
+#include "config/settings.h"
+#include "core/error_codes.h"
+#include "core/names.h"
+#include "formats/bga.h"
+#include "formats/bmp.h"
+#include "formats/clipboard.h"
+
+namespace pxm {
+
+int RefuseInfo5(ImageInfo&, const std::string&, int) { return kUnsupportedFunction; }
+int RefuseRead5(ImageInfo&, const std::string&) { return kUnsupportedFunction; }
+int RefuseWrite5(ImageInfo&, const std::string&) { return kUnsupportedFunction; }
+int RefuseList5(ImageInfo&, const std::string&, std::vector<std::string>&) {
+  return kUnsupportedFunction;
+}
+int RefuseInfo8(ImageInfo&, const std::string&, int) { return kUnsupportedFormat; }
+int RefuseRead8(ImageInfo&, const std::string&) { return kUnsupportedFormat; }
+
+namespace {
+
+// Shorthands for the table below.
+constexpr ListImagesHandler kNoList = nullptr;
+constexpr ListImagesHandler kList5 = RefuseList5;  // a listing handler not built yet
+#define PXM_NOT_BUILT RefuseInfo5, RefuseRead5, RefuseWrite5
+
+// The rows in their fixed order. A row whose handlers are not built answers 5 from each of
+// them, as libraries leave a codec "not configured" in a build without it. The clipboard row's
+// description reads "(CDB)" although its extension is CBD: users know it that way.
+constexpr FormatEntry kTable[kFormatCount] = {
+    {kNoList, PXM_NOT_BUILT, nullptr, 1, "MAC", "(MAC) MacPaint", 1, 1},
+    {kNoList, PXM_NOT_BUILT, nullptr, 24, "IMG", "(IMG) GEM/Ventura", 1, 1},
+    {kNoList, PXM_NOT_BUILT, nullptr, 24, "PCX", "(PCX) PC Paintbrush", 1, 1},
+    {kList5, PXM_NOT_BUILT, nullptr, 8, "GIF", "(GIF) CompuServe", 1, 261},
+    {kList5, PXM_NOT_BUILT, nullptr, 24, "TIF", "(TIF) TIFF", 1, 1},
+    {kNoList, PXM_NOT_BUILT, nullptr, 8, "WPG", "(WPG) WordPerfect Graphics", 1, 1},
+    {kNoList, PXM_NOT_BUILT, nullptr, 24, "PIC", "(PIC) Pictor or Pegasus", 1, 1},
+    {kNoList, PXM_NOT_BUILT, nullptr, 24, "TGA", "(TGA) Targa", 1, 1},
+    {kNoList, PXM_NOT_BUILT, nullptr, 8, "CUT", "(CUT) Dr. Halo", 1, 1},
+    {kNoList, BmpInfo, BmpRead, BmpWrite, nullptr, 24, "BMP", "(BMP) Windows", 1, 1},
+    {kNoList, PXM_NOT_BUILT, nullptr, 1, "MSP", "(MSP) Microsoft Paint", 1, 1},
+    {kList5, PXM_NOT_BUILT, nullptr, 8, "LBM", "(LBM) Amiga", 1, 1},
+    {kNoList, PXM_NOT_BUILT, nullptr, 8, "EXE", "(EXE) Self-displaying image", 1, 1},
+    {kNoList, PXM_NOT_BUILT, nullptr, 24, "TXT", "(TXT) Text files", 1, 1},
+    {kNoList, PXM_NOT_BUILT, nullptr, 8, "RLE", "(RLE) Windows", 1, 1},
+    {kNoList, PXM_NOT_BUILT, nullptr, 24, "JPG", "(JPG) Jpeg", 1, 1},
+    {kNoList, PXM_NOT_BUILT, nullptr, 1, "ART", "(ART) PFS:Publisher", 1, 1},
+    {kList5, PXM_NOT_BUILT, nullptr, 24, "IFF", "(IFF) Amiga", 1, 1},
+    {kNoList, PXM_NOT_BUILT, nullptr, 24, "RAS", "(RAS) Sun raster", 1, 1},
+    {kNoList, PXM_NOT_BUILT, nullptr, 24, "HRZ", "(HRZ) SSTV", 1, 1},
+    {kNoList, BmpInfo, BmpRead, BmpWrite, nullptr, 24, "DIB", "(DIB) Windows", 1, 1},
+    {kNoList, PXM_NOT_BUILT, nullptr, 8, "ICO", "(ICO) Windows icon", 1, 1},
+    {kNoList, RefuseInfo5, RefuseRead5, RefuseWrite5, nullptr, 24, "AVI", "(AVI) Video for Windows",
+     1, 1053},
+    {kNoList, RefuseInfo8, RefuseRead8, ClipboardWrite, nullptr, 24, "CBD", "(CDB) Clipboard", 1, 35},
+    {kList5, PXM_NOT_BUILT, nullptr, 24, "CPT", "(CPT) Corel PhotoPAINT", 1, 129},
+    {kList5, PXM_NOT_BUILT, nullptr, 24, "FIT", "(FIT) Flex. Image Transport", 1, 1},
+    {kList5, PXM_NOT_BUILT, nullptr, 24, "CDR", "(CDR) Corel Draw Preview", 1, 261},
+    {kNoList, BgaInfo, BgaRead, BgaWrite, nullptr, 24, "BGA", "(BGA) OS/2 Warp", 1, 261},
+    {kList5, PXM_NOT_BUILT, nullptr, 24, "PNG", "(PNG) Portable Netwk Grphcs", 1, 1},
+    {kNoList, PXM_NOT_BUILT, nullptr, 24, "MPG", "(MPG) MPEG video", 1, 521},
+    {kNoList, PXM_NOT_BUILT, nullptr, 24, "MOV", "(MOV) QuickTime movies", 1, 25},
+    {kNoList, PXM_NOT_BUILT, nullptr, 8, "FLI", "(FLI) FLIC animation", 1, 1037},
+    {kNoList, PXM_NOT_BUILT, nullptr, 8, "FLC", "(FLC) FLIC animation", 1, 1037},
+    {kNoList, PXM_NOT_BUILT, nullptr, 24, "PCD", "(PCD) Kodak Photo-CD", 1, 1},
+    {kNoList, RefuseInfo5, RefuseRead5, RefuseWrite5, nullptr, 24, "WMF", "(WMF) Windows Metafile",
+     1, 2},
+    {kNoList, RefuseInfo5, RefuseRead5, RefuseWrite5, nullptr, 24, "CLP", "(CLP) Windows Clipboard",
+     1, 2},
+    {kNoList, PXM_NOT_BUILT, nullptr, 24, "UUE", "(UUE) UUEncoded graphics", 1, 1},
+    {kNoList, PXM_NOT_BUILT, nullptr, 24, "JPE", "(JPE) Jpeg", 1, 1},
+    {kNoList, PXM_NOT_BUILT, nullptr, 24, "DLL", "(DLL) Windows library", 1, 261},
+    {kNoList, PXM_NOT_BUILT, nullptr, 24, "VBX", "(VBX) Windows library", 1, 261},
+    {kList5, PXM_NOT_BUILT, nullptr, 24, "FTS", "(FTS) Flex. Image Transport", 1, 1},
+    {kNoList, nullptr, nullptr, nullptr, nullptr, 0, "", "", 0, 0},
+};
+
+#undef PXM_NOT_BUILT
+
+bool InfoRefuses(InfoHandler h) { return h == nullptr || h == RefuseInfo5 || h == RefuseInfo8; }
+bool ReadRefuses(ReadHandler h) { return h == nullptr || h == RefuseRead5 || h == RefuseRead8; }
+bool WriteRefuses(WriteHandler h) { return h == nullptr || h == RefuseWrite5; }
+
+}  // namespace
+
+std::span<const FormatEntry, kFormatCount> FormatTable() {
+  return std::span<const FormatEntry, kFormatCount>(kTable);
+}
+
+const FormatEntry& FormatAt(int row) { return kTable[row]; }
+
+namespace {
+
+int FindExtensionIn(std::span<const FormatEntry, kFormatCount> table, std::string_view extension) {
+  // Only three characters are compared: "JPEG" finds the JPE row and "TIFF" the TIF row. A
+  // shorter extension compares its end and finds nothing.
+  std::string upper = ToUpperAscii(extension.substr(0, 3));
+  if (upper.size() < 3) return -1;
+  for (int row = 0; row < kFormatCount; ++row)
+    if (std::memcmp(table[static_cast<size_t>(row)].extension, upper.data(), 3) == 0) return row;
+  // The external-format hook has nothing to offer in this program.
+  return -1;
+}
+
+}  // namespace
+
+int FindFormatByExtension(std::string_view extension) {
+  return FindExtensionIn(FormatTable(), extension);
+}
+
+int FindFormatIn(std::span<const FormatEntry, kFormatCount> table, std::string_view path) {
+  return FindExtensionIn(table, ExtensionOf(path));
+}
+
+int FindFormat(std::string_view path) { return FindFormatIn(FormatTable(), path); }
+
+uint32_t FormatSwitch(int row) {
+  if (row < 0 || row >= kFormatCount) return 0;
+  return CurrentSettings().formatEnabled[static_cast<size_t>(row)] & 0xFFFFu;
+}
+
+bool FormatEnabled(int row) { return FormatSwitch(row) == 1; }
+
+bool CanRead(const FormatEntry& entry) {
+  return !InfoRefuses(entry.info) && !ReadRefuses(entry.read);
+}
+bool CanWrite(const FormatEntry& entry) { return !WriteRefuses(entry.write); }
+
+}  // namespace pxm
