@@ -113,8 +113,8 @@ std::optional<std::string> TerminalHost::GetComment(std::string_view,
 
 NextFileAnswer TerminalHost::NextFile(std::string_view, std::string_view) {
   if (nextFile_ < answers_.nextFiles.size())
-    return {NextFileAnswer::kFile, answers_.nextFiles[nextFile_++]};
-  return {NextFileAnswer::kOk, {}};
+    return {NextFileAnswer::Kind::kFile, answers_.nextFiles[nextFile_++]};
+  return {NextFileAnswer::Kind::kOk, {}};
 }
 
 std::optional<std::string> TerminalHost::SaveName(std::string_view suggested) {

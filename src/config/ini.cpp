@@ -114,7 +114,9 @@ void ReadRecentDirectories(const std::string& path, RecentDirectories& recent) {
   static constexpr std::string_view kKey = "FileMenuPath";
   ForEachLine(path, [&](std::string_view line) {
     KeyValue kv = Split(line);
-    if (PrefixEquals(kKey, kv.key, kv.key.size())) recent.Add(kv.value);
+    // An empty key (a blank line, the writer's " = 0") matches too. An empty value is an empty
+    // path, which the add rule refuses; Add() would take it for the current directory.
+    if (PrefixEquals(kKey, kv.key, kv.key.size()) && !kv.value.empty()) recent.Add(kv.value);
   });
 }
 

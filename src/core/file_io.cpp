@@ -12,6 +12,9 @@ namespace pxm {
 namespace {
 
 constexpr size_t kBufferSize = 1 << 16;
+// Requests this large skip the buffer: a picture row read straight into place costs one copy
+// fewer, and the system call is cheap beside the copy.
+constexpr size_t kDirectBytes = kBufferSize / 4;
 
 ssize_t ReadFully(int fd, uint8_t* out, size_t n) {
   size_t done = 0;
@@ -84,7 +87,7 @@ size_t InputFile::Read(void* out, size_t n) {
   pos_ += buffered;
   done += buffered;
   if (done == n) return done;
-  if (n - done >= buffer_.size()) {
+  if (n - done >= kDirectBytes) {
     // Large reads go straight into the caller's memory; the buffer is empty by now.
     pos_ = end_ = 0;
     ssize_t r = ReadFully(fd_, dst + done, n - done);
@@ -113,6 +116,9 @@ bool InputFile::ReadLine(std::string& line, size_t limit) {
     if (c == '\n') return true;
     line.push_back(static_cast<char>(c));
   }
+  // A line of exactly `limit` characters is whole: its line feed must not come back as an empty
+  // piece, which the configuration reader would take for a blank line.
+  if ((pos_ < end_ || Refill()) && buffer_[pos_] == '\n') ++pos_;
   return true;
 }
 
@@ -154,19 +160,15 @@ bool OutputFile::Flush() {
 bool OutputFile::Write(const void* data, size_t n) {
   if (fd_ < 0 || failed_) return false;
   const auto* src = static_cast<const uint8_t*>(data);
-  if (used_ + n <= buffer_.size()) {
-    std::memcpy(buffer_.data() + used_, src, n);
-    used_ += n;
-    return true;
-  }
-  if (!Flush()) return false;
-  if (n >= buffer_.size()) {
+  if (n >= kDirectBytes) {
+    if (!Flush()) return false;
     if (!WriteFully(fd_, src, n)) failed_ = true;
     pos_ += n;
     return !failed_;
   }
-  std::memcpy(buffer_.data(), src, n);
-  used_ = n;
+  if (used_ + n > buffer_.size() && !Flush()) return false;
+  std::memcpy(buffer_.data() + used_, src, n);
+  used_ += n;
   return true;
 }
 

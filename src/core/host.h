@@ -14,7 +14,7 @@ enum ButtonId : int { kIdOk = 1, kIdCancel = 2, kIdYes = 6, kIdNo = 7 };
 
 // The answer of the next-file dialog that multi-part decoders show.
 struct NextFileAnswer {
-  enum Kind { kFile, kOk, kCancel } kind = kOk;
+  enum class Kind { kFile, kOk, kCancel } kind = Kind::kOk;
   std::string path;  // the chosen file when kind is kFile
 };
 

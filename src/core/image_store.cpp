@@ -1,5 +1,6 @@
 #include "core/image_store.h"
 
+#include <sys/mman.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -25,6 +26,16 @@ bool WriteAll(int fd, const uint8_t* data, size_t n, uint64_t offset) {
     offset += static_cast<uint64_t>(w);
   }
   return true;
+}
+
+// Large pictures are written into fresh memory row by row; huge pages cut the page faults of
+// that first touch by a factor of 512.
+void AdviseHugePages(uint8_t* block, size_t size) {
+  constexpr size_t kPage = 4096;
+  if (size < (8u << 20)) return;
+  auto start = (reinterpret_cast<uintptr_t>(block) + kPage - 1) & ~(kPage - 1);
+  auto end = (reinterpret_cast<uintptr_t>(block) + size) & ~(kPage - 1);
+  madvise(reinterpret_cast<void*>(start), end - start, MADV_HUGEPAGE);
 }
 
 bool ReadAll(int fd, uint8_t* data, size_t n, uint64_t offset) {
@@ -65,7 +76,10 @@ int ImageStore::Create(uint32_t w, int32_t d, uint32_t bits, unsigned options) {
     // calloc hands large blocks over as untouched zero pages: cheap, and only the rows
     // actually written cost memory.
     memory_.reset(static_cast<uint8_t*>(std::calloc(static_cast<size_t>(size), 1)));
-    if (memory_) return kOk;
+    if (memory_) {
+      AdviseHugePages(memory_.get(), static_cast<size_t>(size));
+      return kOk;
+    }
   }
   if (options & kStoreMemoryOnly) return kNeedsMemoryStore;
   if (!IsDriveLetter(settings.VirtualMemoryDrive)) return kMemoryError;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <cstring>
 
@@ -44,6 +45,9 @@ inline void SetPixelAt(uint8_t* row, uint32_t x, uint32_t storageBits, uint32_t 
     }
   }
 }
+
+// Swaps the first and third byte of each of `pixels` 3-byte pixels (BGR to RGB and back).
+void SwapRedBlue(uint8_t* row, size_t pixels);
 
 // Reverses the order of the first `width` pixels of a row in place.
 void ReversePixels(uint8_t* row, uint32_t width, uint32_t storageBits);

@@ -16,6 +16,13 @@ std::shared_ptr<std::vector<uint8_t>> Scratch(size_t n) {
   return std::make_shared<std::vector<uint8_t>>(n, 0);
 }
 
+// The scratch row grown to the store's current row: a command binds its sink once and creates
+// the store anew, possibly larger, for every file.
+uint8_t* Fit(std::vector<uint8_t>& scratch, size_t bytes) {
+  if (scratch.size() < bytes) scratch.resize(bytes, 0);
+  return scratch.data();
+}
+
 }  // namespace
 
 LineSink ProgressRowSink(ImageStore& store, uint64_t total) {
@@ -48,7 +55,7 @@ LineSink SwappedRgbSink(ImageStore& store, uint64_t total, uint32_t sourceBits, 
   auto table = std::make_shared<std::array<uint8_t, 256>>(GammaTable(viewGamma));
   return [&store, total, useGamma, table](std::span<uint8_t> row, int32_t r) {
     size_t pixels = std::min<size_t>(store.width, row.size() / 3);
-    for (size_t x = 0; x < pixels; ++x) std::swap(row[3 * x], row[3 * x + 2]);
+    SwapRedBlue(row.data(), pixels);
     if (useGamma) {
       size_t n = std::min(row.size(), store.bytesPerLine);
       for (size_t i = 0; i < n; ++i) row[i] = (*table)[row[i]];
@@ -64,8 +71,9 @@ LineSink BytePerPixelSink(ImageStore& store, uint64_t total, uint32_t sourceBits
   return [&store, total, packing, scratch](std::span<uint8_t> row, int32_t r) {
     store.ReportRowProgress(total);
     if (packing != 4) return store.PutRow(row, r);  // 1, 8 and 24 bits are already in shape
-    uint8_t* out = scratch->data();
-    uint32_t pixels = std::min<uint32_t>(store.width, static_cast<uint32_t>(row.size() * 2));
+    uint8_t* out = Fit(*scratch, store.bytesPerLine);
+    uint32_t pixels = static_cast<uint32_t>(std::min<uint64_t>(
+        {store.width, row.size() * 2, store.bytesPerLine}));
     for (uint32_t x = 0; x < pixels; ++x) out[x] = static_cast<uint8_t>(PixelAt(row.data(), x, 4));
     return store.PutRow(*scratch, r);
   };
@@ -78,11 +86,11 @@ LineSink ExpandToRgbSink(ImageStore& store, uint64_t total, uint32_t sourceBits,
   return [&store, total, packing, &palette, scratch](std::span<uint8_t> row, int32_t r) {
     store.ReportRowProgress(total);
     uint8_t* slot = store.MemoryRow(r);
-    uint8_t* out = slot ? slot : scratch->data();
+    uint8_t* out = slot ? slot : Fit(*scratch, store.bytesPerLine);
     size_t bytes = std::min(store.bytesPerLine, 3 * static_cast<size_t>(store.width));
     if (packing == 4 || packing == 8) {
-      uint32_t pixels = std::min<uint32_t>(
-          store.width, static_cast<uint32_t>(packing == 4 ? row.size() * 2 : row.size()));
+      uint32_t pixels = static_cast<uint32_t>(
+          std::min<uint64_t>(bytes / 3, packing == 4 ? row.size() * 2 : row.size()));
       for (uint32_t x = 0; x < pixels; ++x) {
         const Rgb& c = palette[PixelAt(row.data(), x, packing)];
         out[3 * x] = c.red;
@@ -104,11 +112,12 @@ LineSink EnlargingSink(ImageStore& store, uint64_t total, uint32_t sourceBits) {
     store.ReportRowProgress(total);
     const uint32_t zoom = static_cast<uint32_t>(std::max(1, store.zoom));
     const uint32_t inWidth = store.width / zoom;
-    uint8_t* out = scratch->data();
+    uint8_t* out = Fit(*scratch, store.bytesPerLine);
     std::fill(scratch->begin(), scratch->end(), 0);
     const uint32_t outBits = packing == 4 ? 8 : packing;
+    const uint64_t room = static_cast<uint64_t>(store.bytesPerLine) * 8 / outBits / zoom;
     uint32_t rowPixels = static_cast<uint32_t>(
-        std::min<uint64_t>(inWidth, row.size() * 8 / (packing == 24 ? 24 : packing)));
+        std::min<uint64_t>({inWidth, row.size() * 8 / packing, room}));
     for (uint32_t x = 0; x < rowPixels; ++x) {
       uint32_t v = PixelAt(row.data(), x, packing);
       for (uint32_t k = 0; k < zoom; ++k) SetPixelAt(out, x * zoom + k, outBits, v);

@@ -14,6 +14,13 @@ std::shared_ptr<std::vector<uint8_t>> Scratch(size_t n) {
   return std::make_shared<std::vector<uint8_t>>(n, 0);
 }
 
+// The scratch row grown to the store's current row: a source may be bound before the store of
+// the file it reads is created.
+std::span<uint8_t> Fit(std::vector<uint8_t>& scratch, size_t bytes) {
+  if (scratch.size() < bytes) scratch.resize(bytes, 0);
+  return std::span<uint8_t>(scratch.data(), bytes);
+}
+
 // Pixels a row buffer of `size` bytes can hold at `bits` per pixel.
 uint32_t PixelsIn(size_t size, uint32_t storageBits) {
   uint64_t n = static_cast<uint64_t>(size) * 8 / storageBits;
@@ -45,7 +52,7 @@ LineSource DibSource(ImageStore& store) {
     std::memcpy(row.data(), slot, n);
     if (store.storageBits == 24) {
       size_t pixels = std::min<size_t>(store.width, n / 3);
-      for (size_t x = 0; x < pixels; ++x) std::swap(row[3 * x], row[3 * x + 2]);
+      SwapRedBlue(row.data(), pixels);
     }
     return 0;
   };
@@ -56,14 +63,16 @@ LineSource ScalingSource(ImageStore& store, uint32_t outputBits) {
   uint32_t outPacking = StorageBits(outputBits);
   return [&store, source, outPacking](std::span<uint8_t> row, int32_t r) {
     if (r < 0 || static_cast<size_t>(r) >= store.rowMap.size()) return store.abortFlag;
-    int flag = store.GetRow(*source, static_cast<int32_t>(store.rowMap[static_cast<size_t>(r)]));
-    const uint8_t* in = source->data();
+    std::span<uint8_t> stored = Fit(*source, store.bytesPerLine);
+    int flag = store.GetRow(stored, static_cast<int32_t>(store.rowMap[static_cast<size_t>(r)]));
+    const uint8_t* in = stored.data();
     uint32_t pixels = std::min<uint32_t>(static_cast<uint32_t>(store.columnMap.size()),
                                          PixelsIn(row.size(), outPacking));
     if (outPacking == 4) std::fill(row.begin(), row.end(), 0);
     for (uint32_t x = 0; x < pixels; ++x) {
       uint32_t sx = std::min(store.columnMap[x], store.width ? store.width - 1 : 0);
-      uint32_t v = outPacking == 4 ? (in[sx] & 0x0Fu) : PixelAt(in, sx, store.storageBits);
+      uint32_t v = PixelAt(in, sx, store.storageBits);
+      if (outPacking == 4) v &= 0x0Fu;
       SetPixelAt(row.data(), x, outPacking, v);
     }
     return flag;
@@ -73,11 +82,12 @@ LineSource ScalingSource(ImageStore& store, uint32_t outputBits) {
 LineSource CroppingSource(ImageStore& store) {
   auto source = Scratch(store.bytesPerLine);
   return [&store, source](std::span<uint8_t> row, int32_t r) {
-    int flag = store.GetRow(*source, static_cast<int32_t>(store.cropTop) + r);
+    std::span<uint8_t> stored = Fit(*source, store.bytesPerLine);
+    int flag = store.GetRow(stored, static_cast<int32_t>(store.cropTop) + r);
     uint32_t left = std::min(store.cropLeft, store.width);
     uint32_t count = std::min({store.cropWidth, store.width - left,
                                PixelsIn(row.size(), store.storageBits)});
-    CopyPixels(row.data(), source->data(), left, count, store.storageBits);
+    CopyPixels(row.data(), stored.data(), left, count, store.storageBits);
     return flag;
   };
 }

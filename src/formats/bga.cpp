@@ -2,12 +2,14 @@
 
 #include <algorithm>
 #include <new>
+#include <optional>
 #include <vector>
 
 #include "core/bytes.h"
 #include "core/error_codes.h"
 #include "core/file_io.h"
 #include "core/names.h"
+#include "core/pixels.h"
 #include "core/row_format.h"
 #include "formats/bmp.h"
 
@@ -41,23 +43,56 @@ bool GoodArrayHeader(const uint8_t* h) {
   return h[0] == 'B' && h[1] == 'A' && (size == 40 || size == 92);
 }
 
+// The next-entry offset of the good array header at `offset` (0 = last), or nothing when the
+// header there is missing or breaks the rules.
+std::optional<uint32_t> NextEntry(InputFile& in, uint64_t offset) {
+  uint8_t h[kArrayHeader];
+  if (!in.Seek(offset) || !in.ReadExact(h, sizeof h) || !GoodArrayHeader(h)) return std::nullopt;
+  return LoadLe32(h + kNext);
+}
+
 // Walks the chain of array headers. Answers the number of good headers, and in `found` the
-// offset of header number `wanted` when the walk reaches it. A chain that loops back on itself
-// ends when it has visited more headers than the file could hold.
+// offset of header number `wanted` when there is one. A damaged chain may lead back to a header
+// already visited; it then ends there, so that every header counts once and no index reaches a
+// header twice. The loop is found by Brent's method, which needs no memory of the headers seen:
+// a chain of any length costs a few passes, never an endless walk.
 uint32_t WalkEntries(InputFile& in, uint32_t wanted, int64_t& found) {
   found = -1;
   uint32_t count = 0;
   uint64_t offset = 0;
-  const uint64_t limit = in.Size() / kArrayHeader + 1;
+  uint64_t saved = 0;  // the header the walk compares against, moved at every power of two
+  uint32_t power = 1;
+  uint32_t loopLength = 0;
   for (;;) {
-    uint8_t h[kArrayHeader];
-    if (!in.Seek(offset) || !in.ReadExact(h, sizeof h) || !GoodArrayHeader(h)) break;
+    std::optional<uint32_t> next = NextEntry(in, offset);
+    if (!next) return count;
     if (count == wanted) found = static_cast<int64_t>(offset);
     ++count;
-    uint32_t next = LoadLe32(h + kNext);
-    if (next == 0 || count > limit) break;
-    offset = next;
+    if (*next == 0) return count;
+    ++loopLength;
+    if (*next == saved) break;
+    if (loopLength == power) {
+      saved = *next;
+      power *= 2;
+      loopLength = 0;
+    }
+    offset = *next;
   }
+  // The loop has `loopLength` headers; count those before it by walking two positions that far
+  // apart until they meet. The first walk went at least that far, which bounds this one even
+  // if the file changed in between.
+  const uint32_t walked = count;
+  uint64_t lead = 0;
+  for (uint32_t i = 0; i < loopLength; ++i) lead = NextEntry(in, lead).value_or(0);
+  uint64_t trail = 0;
+  uint32_t before = 0;
+  while (trail != lead && before < walked) {
+    trail = NextEntry(in, trail).value_or(0);
+    lead = NextEntry(in, lead).value_or(0);
+    ++before;
+  }
+  count = before + loopLength;
+  if (wanted >= count) found = -1;
   return count;
 }
 
@@ -136,7 +171,7 @@ int BgaRead(ImageInfo& info, const std::string& path) {
   for (int32_t i = 0; i < depth; ++i) {
     if (!in.ReadExact(row.data(), rowBytes)) return kReadError;
     if (entry.bits > 8)
-      for (uint32_t x = 0; x < width; ++x) std::swap(row[3 * x], row[3 * x + 2]);
+      SwapRedBlue(row.data(), width);
     if (info.putLine(row, depth - 1 - i) != 0) return kCancelled;
   }
   return kOk;
@@ -201,7 +236,7 @@ int BgaWrite(ImageInfo& info, const std::string& path) {
   for (int32_t i = 0; i < depth; ++i) {
     if (info.getLine(row, depth - 1 - i) != 0) return kCancelled;
     if (fileBits == 24)
-      for (uint32_t x = 0; x < width; ++x) std::swap(row[3 * x], row[3 * x + 2]);
+      SwapRedBlue(row.data(), width);
     if (!out.Write(row.data(), rowBytes)) return kWriteError;
   }
   return out.Commit() ? kOk : kWriteError;

@@ -9,6 +9,7 @@
 #include "core/error_codes.h"
 #include "core/file_io.h"
 #include "core/names.h"
+#include "core/pixels.h"
 #include "core/row_format.h"
 #include "formats/rle_rows.h"
 
@@ -72,10 +73,6 @@ size_t RowBufferSize(uint32_t width, uint32_t bits, uint64_t fileRowBytes) {
   uint64_t n = std::max({WorkingRowSize(width, bits), fileRowBytes, 4 * static_cast<uint64_t>(width)});
   if (n > SIZE_MAX / 4) throw std::bad_alloc();
   return static_cast<size_t>(n);
-}
-
-void SwapRedBlue(uint8_t* row, uint32_t width) {
-  for (uint32_t x = 0; x < width; ++x) std::swap(row[3 * x], row[3 * x + 2]);
 }
 
 int ReadRows(ImageInfo& info, InputFile& in, const Header& h) {

@@ -6,6 +6,7 @@
 #include "core/bytes.h"
 #include "core/error_codes.h"
 #include "core/host.h"
+#include "core/pixels.h"
 #include "core/row_format.h"
 #include "thumbs/fixed_palette.h"
 
@@ -41,7 +42,7 @@ int ClipboardWrite(ImageInfo& info, const std::string& /*path*/) {
   for (int32_t i = 0; i < info.depth; ++i) {
     if (info.getLine(row, info.depth - 1 - i) != 0) return kCancelled;
     if (bits == 24)
-      for (uint32_t x = 0; x < info.width; ++x) std::swap(row[3 * x], row[3 * x + 2]);
+      SwapRedBlue(row.data(), info.width);
     std::memcpy(rows + static_cast<uint64_t>(i) * rowBytes, row.data(), rowBytes);
   }
 

@@ -1,1 +1,33 @@
-// (tests to come)
+#include "batch/file_walk.h"
+
+#include <gtest/gtest.h>
+
+namespace pxm {
+namespace {
+
+TEST(FileWalk, VisitsTaggedFilesInOrderAndNeverDirectoryEntries) {
+  std::vector<ListItem> items = {{"[..]", true},  {"a.bmp", true}, {"b.bmp", false},
+                                 {"[-c-]", true}, {"c.gif", true}, {"[sub]", true}};
+  std::vector<std::string> visited;
+  auto results = WalkTaggedFiles(items, [&](const std::string& name) {
+    visited.push_back(name);
+    return name == "a.bmp" ? 2 : 0;
+  });
+  EXPECT_EQ(visited, (std::vector<std::string>{"a.bmp", "c.gif"}));
+  ASSERT_EQ(results.size(), 2u);
+  EXPECT_EQ(results[0].code, 2);  // a failure is recorded and the walk goes on
+  EXPECT_EQ(results[1].code, 0);
+}
+
+TEST(FileWalk, StopsWhenAskedAfterAnItem) {
+  std::vector<ListItem> items = {{"a", true}, {"b", true}, {"c", true}};
+  int calls = 0;
+  auto results = WalkTaggedFiles(
+      items, [&](const std::string&) { return ++calls == 2 ? 4 : 0; },
+      [](int code) { return code == 4; });
+  EXPECT_EQ(calls, 2);
+  EXPECT_EQ(results.size(), 2u);
+}
+
+}  // namespace
+}  // namespace pxm

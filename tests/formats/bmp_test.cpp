@@ -1,1 +1,329 @@
-// (tests to come)
+#include "formats/bmp.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <map>
+#include <string>
+#include <vector>
+
+#include "config/settings.h"
+#include "core/bytes.h"
+#include "core/error_codes.h"
+#include "core/pixels.h"
+#include "core/row_format.h"
+#include "support/picture.h"
+#include "support/temp_dir.h"
+
+namespace pxm {
+namespace {
+
+using test::Pattern;
+using test::Picture;
+using Bytes = std::vector<uint8_t>;
+
+const Rgb kBlack{0, 0, 0};
+const Rgb kWhite{255, 255, 255};
+
+std::string Le(uint32_t value, int bytes) {
+  std::string s;
+  for (int i = 0; i < bytes; ++i) s += static_cast<char>(value >> (8 * i));
+  return s;
+}
+std::string Raw(std::initializer_list<int> bytes) {
+  std::string s;
+  for (int b : bytes) s += static_cast<char>(b);
+  return s;
+}
+uint32_t U32(const std::string& s, size_t at) {
+  return LoadLe32(reinterpret_cast<const uint8_t*>(&s[at]));
+}
+
+// A file with the 40-byte Windows header; the colour table and rows follow it.
+std::string WindowsFile(int32_t width, int32_t height, uint32_t bits, uint32_t compression,
+                        const std::string& table, const std::string& rows) {
+  uint32_t offset = 54 + static_cast<uint32_t>(table.size());
+  return "BM" + Le(offset + static_cast<uint32_t>(rows.size()), 4) + Le(0, 4) + Le(offset, 4) +
+         Le(40, 4) + Le(static_cast<uint32_t>(width), 4) + Le(static_cast<uint32_t>(height), 4) +
+         Le(1, 2) + Le(bits, 2) + Le(compression, 4) + std::string(20, '\0') + table + rows;
+}
+
+// `count` Windows colour entries, entry i = (i, 2i, 3i) as red, green, blue.
+std::string WindowsTable(int count) {
+  std::string s;
+  for (int i = 0; i < count; ++i) s += Raw({3 * i, 2 * i, i, 0});
+  return s;
+}
+
+// Info and read straight through the handlers, keeping every row the sink saw; the sink answers
+// 1 on row number `abortOn` (counting from 1).
+struct Decoded {
+  int infoCode = -1;
+  int readCode = -1;
+  ImageInfo info;
+  std::map<int32_t, Bytes> rows;
+  uint32_t Pixel(uint32_t x, int32_t y) const {
+    return PixelAt(rows.at(y).data(), x, StorageBits(info.bits));
+  }
+};
+
+Decoded Decode(const std::string& path, int abortOn = 0) {
+  Decoded d;
+  d.info.background = 9;
+  d.infoCode = BmpInfo(d.info, path, 0);
+  if (d.infoCode != kOk) return d;
+  int delivered = 0;
+  d.info.putLine = [&](std::span<uint8_t> row, int32_t y) {
+    d.rows[y] = Bytes(row.begin(), row.begin() + StoreBytesPerLine(d.info.width, d.info.bits));
+    return ++delivered == abortOn ? 1 : 0;
+  };
+  d.readCode = BmpRead(d.info, path);
+  d.info.putLine = nullptr;
+  return d;
+}
+
+uint32_t FileBits(uint32_t bits) {
+  return bits == 1 ? 1 : bits <= 4 ? 4 : bits <= 8 ? 8 : 24;
+}
+
+TEST(BmpWrite, HeadersColourTablesAndRowsOfEveryDepth) {
+  struct Case {
+    uint32_t bits, windowsOffset, os2Offset, rowBytes;
+  };
+  // Seven pixels a row: 1 and 4 bits fit one 32-bit word, 8 bits take two, 24 bits six.
+  const Case cases[] = {{1, 62, 32, 4},    {2, 118, 74, 4},   {4, 118, 74, 4},
+                        {5, 1078, 794, 8}, {8, 1078, 794, 8}, {24, 54, 26, 24}};
+  test::TempDir dir;
+  for (bool os2 : {false, true})
+    for (const Case& c : cases) {
+      SCOPED_TRACE(testing::Message() << "bits " << c.bits << (os2 ? " OS/2" : " Windows"));
+      ScopedSettings settings;
+      settings->WriteOS2Bitmaps = os2;
+      Picture p = Pattern(7, 3, c.bits);
+      ASSERT_EQ(test::WritePicture(p, dir / "w.bmp"), kOk);
+      const std::string f = test::ReadFileBytes(dir / "w.bmp");
+      const uint32_t fileBits = FileBits(c.bits);
+      const uint32_t offset = os2 ? c.os2Offset : c.windowsOffset;
+      ASSERT_EQ(f.size(), offset + 3 * c.rowBytes);
+      EXPECT_EQ(f.substr(0, 2), "BM");
+      EXPECT_EQ(U32(f, 2), f.size());
+      EXPECT_EQ(U32(f, 6), 0u);
+      EXPECT_EQ(U32(f, 10), offset);
+      if (os2) {
+        EXPECT_EQ(f.substr(14, 12), Le(12, 4) + Le(7, 2) + Le(3, 2) + Le(1, 2) + Le(fileBits, 2));
+      } else {
+        // Both colour counts say 2^bits, 16777216 for 24-bit files too.
+        EXPECT_EQ(f.substr(14, 40), Le(40, 4) + Le(7, 4) + Le(3, 4) + Le(1, 2) + Le(fileBits, 2) +
+                                        std::string(16, '\0') + Le(1u << fileBits, 4) +
+                                        Le(1u << fileBits, 4));
+      }
+      const size_t table = os2 ? 26 : 54;
+      const size_t entry = os2 ? 3 : 4;
+      const uint32_t colours = fileBits == 24 ? 0 : 1u << fileBits;
+      EXPECT_EQ(table + colours * entry, offset);
+      for (uint32_t i = 0; i < colours; ++i) {
+        // One-bit files get black then white whatever the palette (Pattern's is coloured).
+        const Rgb& c1 = fileBits == 1 ? (i == 0 ? kBlack : kWhite) : p.palette[i];
+        std::string want = Raw({c1.blue, c1.green, c1.red, 0}).substr(0, entry);
+        EXPECT_EQ(f.substr(table + i * entry, entry), want) << "entry " << i;
+      }
+      for (uint32_t i = 0; i < 3; ++i) {
+        const auto* row = reinterpret_cast<const uint8_t*>(&f[offset + i * c.rowBytes]);
+        const auto y = static_cast<int32_t>(2 - i);  // bottom row first
+        for (uint32_t x = 0; x < 7; ++x) {
+          if (fileBits == 24)
+            EXPECT_EQ((Rgb{row[3 * x + 2], row[3 * x + 1], row[3 * x]}), p.Colour(x, y));
+          else
+            EXPECT_EQ(PixelAt(row, x, fileBits), p.Pixel(x, y)) << x << "," << y;
+        }
+      }
+    }
+  ScopedSettings settings;
+  settings->WriteOS2Bitmaps = 1;
+  ASSERT_EQ(test::WritePicture(Pattern(33, 17, 1), dir / "a.bmp"), kOk);
+  EXPECT_EQ(std::filesystem::file_size(dir / "a.bmp"), 32u + 8u * 17u);
+}
+
+TEST(BmpWrite, AbortLeavesNoFileAndCreateFailureIsReported) {
+  test::TempDir dir;
+  Picture p = Pattern(5, 4, 8);
+  ImageInfo info;
+  info.width = 5;
+  info.depth = 4;
+  info.bits = 8;
+  std::vector<int32_t> asked;
+  info.getLine = [&](std::span<uint8_t> row, int32_t y) {
+    asked.push_back(y);
+    std::copy(p.rows[static_cast<size_t>(y)].begin(), p.rows[static_cast<size_t>(y)].end(),
+              row.begin());
+    return asked.size() == 3 ? 1 : 0;
+  };
+  EXPECT_EQ(BmpWrite(info, dir / "a.bmp"), kCancelled);
+  EXPECT_EQ(asked, (std::vector<int32_t>{3, 2, 1}));
+  EXPECT_FALSE(std::filesystem::exists(dir / "a.bmp"));
+  EXPECT_EQ(BmpWrite(info, dir / "no/such/dir/a.bmp"), kCreateError);
+}
+
+TEST(BmpRoundTrip, EveryDepthAtAwkwardSizesWithBothHeaders) {
+  test::TempDir dir;
+  std::vector<Picture> pictures;
+  for (uint32_t bits : {1u, 2u, 3u, 4u, 5u, 7u, 8u, 24u})
+    for (auto [w, h] : {std::pair{1u, 1}, {7u, 3}, {33u, 17}})
+      pictures.push_back(Pattern(w, h, bits, w + bits));
+  // Every entry of the colour table in use.
+  pictures.push_back(Pattern(256, 2, 8));
+  pictures.push_back(Pattern(16, 2, 4));
+  for (uint32_t x = 0; x < 256; ++x) pictures[pictures.size() - 2].SetPixel(x, 1, 255 - x);
+  for (uint32_t x = 0; x < 16; ++x) pictures.back().SetPixel(x, 0, x);
+
+  for (bool os2 : {false, true})
+    for (const Picture& p : pictures) {
+      SCOPED_TRACE(testing::Message()
+                   << p.width << "x" << p.depth << "x" << p.bits << (os2 ? " OS/2" : ""));
+      ScopedSettings settings;
+      settings->WriteOS2Bitmaps = os2;
+      ASSERT_EQ(test::WritePicture(p, dir / "r.bmp"), kOk);
+      Picture q;
+      ImageInfo info;
+      const int code = test::ReadPicture(dir / "r.bmp", q, nullptr, &info);
+      // Info always reads 54 header bytes, so the smallest OS/2 files are refused.
+      if (std::filesystem::file_size(dir / "r.bmp") < 54) {
+        EXPECT_TRUE(os2);
+        EXPECT_EQ(code, kCorruptedFile);
+        continue;
+      }
+      ASSERT_EQ(code, kOk);
+      const uint32_t fileBits = FileBits(p.bits);
+      EXPECT_EQ(info.description, os2 ? "OS/2 bitmap" : "Windows bitmap");
+      EXPECT_EQ(info.fileName, "r.bmp");
+      EXPECT_EQ(info.fileSize, static_cast<int32_t>(std::filesystem::file_size(dir / "r.bmp")));
+      EXPECT_EQ(info.unpackedSize, (p.width + 7) / 8 * fileBits * static_cast<uint32_t>(p.depth));
+      ASSERT_EQ(info.bits, fileBits);
+      for (int32_t y = 0; y < p.depth; ++y)
+        for (uint32_t x = 0; x < p.width; ++x)
+          ASSERT_EQ(q.Pixel(x, y), p.Pixel(x, y)) << x << "," << y;
+      // One bit: black and white; palette files: their table; 24 bits: a grey ramp.
+      for (uint32_t i = 0; i < (fileBits == 24 ? 256 : 1u << fileBits); ++i) {
+        auto v = static_cast<uint8_t>(i);
+        Rgb want = fileBits == 24  ? Rgb{v, v, v}
+                   : fileBits == 1 ? (i ? kWhite : kBlack)
+                                   : p.palette[i];
+        EXPECT_EQ(q.palette[i], want) << i;
+      }
+    }
+}
+
+TEST(BmpRead, OneBitColourTableIsNotRead) {
+  test::TempDir dir;
+  // Ten pixels a row in four bytes; a red and blue table that must not show.
+  test::WriteFileBytes(dir / "a.bmp", WindowsFile(10, 2, 1, 0, Raw({0, 0, 255, 0, 255, 0, 0, 0}),
+                                                  Raw({0xA0, 0x40, 0, 0, 0x01, 0x80, 0, 0})));
+  Decoded d = Decode(dir / "a.bmp");
+  ASSERT_EQ(d.readCode, kOk);
+  EXPECT_EQ(d.info.bits, 1u);
+  EXPECT_EQ(d.info.palette[0], kBlack);
+  EXPECT_EQ(d.info.palette[1], kWhite);
+  EXPECT_EQ(d.info.background, 0u);
+  std::string bottom, top;
+  for (uint32_t x = 0; x < 10; ++x) {
+    bottom += static_cast<char>('0' + d.Pixel(x, 1));
+    top += static_cast<char>('0' + d.Pixel(x, 0));
+  }
+  EXPECT_EQ(bottom, "1010000001");
+  EXPECT_EQ(top, "0000000110");
+}
+
+TEST(BmpRead, SixteenAndThirtyTwoBitFilesAreUnpackedTheirOwnWay) {
+  test::TempDir dir;
+  // 16 bits, pixels 0xFC01, 0xFFFF, 0x07F0, 0x1234: output pixel x is made from the 32-bit word
+  // at byte 4x, so it shows file pixels 0 and 2, each five-bit channel times 8, top bit ignored.
+  test::WriteFileBytes(
+      dir / "a.bmp",
+      WindowsFile(4, 1, 16, 0, "", Raw({0x01, 0xFC, 0xFF, 0xFF, 0xF0, 0x07, 0x34, 0x12})));
+  Decoded d = Decode(dir / "a.bmp");
+  ASSERT_EQ(d.readCode, kOk);
+  EXPECT_EQ(d.info.bits, 24u);
+  EXPECT_EQ(d.info.palette[200], (Rgb{200, 200, 200}));
+  EXPECT_EQ(d.Pixel(0, 0), 0xF80008u);
+  EXPECT_EQ(d.Pixel(1, 0), 0x08F880u);
+
+  // 32 bits: each row is taken in 3-byte steps, bytes 0-2 and 3-5 read as blue, green, red.
+  test::WriteFileBytes(dir / "b.bmp",
+                       WindowsFile(2, 2, 32, 0, "",
+                                   Raw({0x10, 0x20, 0x30, 0x40, 0x50, 0x60, 0x70, 0x80, 0x01, 0x02,
+                                        0x03, 0x04, 0x05, 0x06, 0x07, 0x08})));
+  d = Decode(dir / "b.bmp");
+  ASSERT_EQ(d.readCode, kOk);
+  EXPECT_EQ(d.info.bits, 24u);
+  EXPECT_EQ(d.Pixel(0, 1), 0x302010u);
+  EXPECT_EQ(d.Pixel(1, 1), 0x605040u);
+  EXPECT_EQ(d.Pixel(0, 0), 0x030201u);
+  EXPECT_EQ(d.Pixel(1, 0), 0x060504u);
+}
+
+TEST(BmpRead, RunLengthFileEndingEarlyOrCutShort) {
+  test::TempDir dir;
+  // Five wide, four high: a run and an absolute run, a delta over a row and two columns, a run,
+  // then the end mark before the top row.
+  const std::string rle = Raw({0x02, 0x07, 0x00, 0x03, 0x01, 0x02, 0x03, 0x00, 0x00, 0x00,  //
+                               0x00, 0x02, 0x02, 0x01, 0x03, 0x09, 0x00, 0x00, 0x00, 0x01});
+  test::WriteFileBytes(dir / "a.bmp", WindowsFile(5, 4, 8, 1, WindowsTable(256), rle));
+  Decoded d = Decode(dir / "a.bmp");
+  ASSERT_EQ(d.infoCode, kOk);
+  EXPECT_EQ(d.readCode, kOk);
+  EXPECT_EQ(d.info.palette[5], (Rgb{5, 10, 15}));
+  // The top row is never delivered: the store keeps what it was created with.
+  ASSERT_EQ(d.rows.size(), 3u);
+  EXPECT_EQ(d.rows.count(0), 0u);
+  EXPECT_EQ(Bytes(d.rows[3].begin(), d.rows[3].begin() + 5), (Bytes{7, 7, 1, 2, 3}));
+  EXPECT_EQ(Bytes(d.rows[2].begin(), d.rows[2].begin() + 5), (Bytes{0, 0, 0, 0, 0}));
+  EXPECT_EQ(Bytes(d.rows[1].begin(), d.rows[1].begin() + 5), (Bytes{0, 0, 9, 9, 9}));
+
+  // Data that stops inside a row is a read error; info does not look at run-length data.
+  test::WriteFileBytes(dir / "cut.bmp",
+                       WindowsFile(5, 4, 8, 1, WindowsTable(256), rle.substr(0, 12)));
+  Decoded cut = Decode(dir / "cut.bmp");
+  EXPECT_EQ(cut.infoCode, kOk);
+  EXPECT_EQ(cut.readCode, kReadError);
+}
+
+TEST(BmpRead, AnAbortFromTheSinkIsAReadError) {
+  test::TempDir dir;
+  ASSERT_EQ(test::WritePicture(Pattern(9, 5, 8), dir / "a.bmp"), kOk);
+  Decoded d = Decode(dir / "a.bmp", 2);
+  EXPECT_EQ(d.readCode, kReadError);
+  ASSERT_EQ(d.rows.size(), 2u);
+  EXPECT_EQ(d.rows.begin()->first, 3);  // the bottom rows come first
+}
+
+TEST(BmpInfo, DamagedOrUnusualFiles) {
+  test::TempDir dir;
+  auto infoCode = [&](const std::string& bytes) {
+    test::WriteFileBytes(dir / "x.bmp", bytes);
+    return Decode(dir / "x.bmp").infoCode;
+  };
+  const std::string good = WindowsFile(7, 3, 8, 0, WindowsTable(256), std::string(24, '\x05'));
+  EXPECT_EQ(infoCode(good), kOk);
+  EXPECT_EQ(infoCode(good.substr(0, 53)), kCorruptedFile);
+  EXPECT_EQ(infoCode("BA" + good.substr(2)), kCorruptedFile);
+  EXPECT_EQ(infoCode(good.substr(0, good.size() - 8)), kCorruptedFile);  // a row missing
+  EXPECT_EQ(infoCode(WindowsFile(7, -3, 8, 0, WindowsTable(256), std::string(24, '\0'))),
+            kUnsupportedFormat);  // top-down rows
+
+  ImageInfo info;
+  EXPECT_EQ(BmpInfo(info, dir / "missing.bmp", 0), kOpenError);
+  EXPECT_EQ(BmpRead(info, dir / "missing.bmp"), kOpenError);
+  // The reader checks the header again, and the rows, which may have changed since info.
+  test::WriteFileBytes(dir / "x.bmp", good);
+  ASSERT_EQ(BmpInfo(info, dir / "x.bmp", 0), kOk);
+  info.putLine = [](std::span<uint8_t>, int32_t) { return 0; };
+  test::WriteFileBytes(dir / "x.bmp", good.substr(0, 40));
+  EXPECT_EQ(BmpRead(info, dir / "x.bmp"), kReadError);
+  test::WriteFileBytes(dir / "x.bmp", "XX" + good.substr(2));
+  EXPECT_EQ(BmpRead(info, dir / "x.bmp"), kCorruptedFile);
+  test::WriteFileBytes(dir / "x.bmp", good.substr(0, good.size() - 4));
+  EXPECT_EQ(BmpRead(info, dir / "x.bmp"), kReadError);
+}
+
+}  // namespace
+}  // namespace pxm
