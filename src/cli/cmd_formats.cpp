@@ -6,6 +6,8 @@
 
 namespace pxm::cli {
 
+namespace {
+
 int RunFormats(Context& ctx) {
   auto yesNo = [](bool v) { return v ? "yes" : "no"; };
   if (ctx.options.json) std::cout << "[";
@@ -29,6 +31,16 @@ int RunFormats(Context& ctx) {
   }
   if (ctx.options.json) std::cout << "\n]\n";
   return 0;
+}
+
+}  // namespace
+
+Command SetupFormats(CLI::App& parent, Context& ctx) {
+  Command c;
+  c.app = parent.add_subcommand("formats", "List the format table: row, extension, description, "
+                                           "maxBits, caps, enabled, read, write");
+  c.run = [&ctx]() { return RunFormats(ctx); };
+  return c;
 }
 
 }  // namespace pxm::cli

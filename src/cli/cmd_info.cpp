@@ -57,8 +57,6 @@ std::string JsonObject(const InfoResult& r) {
   return out.str();
 }
 
-}  // namespace
-
 int RunInfo(Context& ctx, const std::vector<std::string>& files, bool report) {
   int status = 0;
   bool firstPrinted = true;
@@ -84,6 +82,22 @@ int RunInfo(Context& ctx, const std::vector<std::string>& files, bool report) {
   }
   if (ctx.options.json) std::cout << (firstPrinted ? "]\n" : "\n]\n");
   return status;
+}
+
+}  // namespace
+
+Command SetupInfo(CLI::App& parent, Context& ctx) {
+  struct Options {
+    bool report = false;
+    std::vector<std::string> files;
+  };
+  auto o = std::make_shared<Options>();
+  Command c;
+  c.app = parent.add_subcommand("info", "Get info: describe each file as the info box does");
+  c.app->add_flag("--report", o->report, "Add the format's block, chunk, card or tag report");
+  c.app->add_option("files", o->files, "Picture files")->required()->type_name("FILE");
+  c.run = [&ctx, o]() { return RunInfo(ctx, o->files, o->report); };
+  return c;
 }
 
 }  // namespace pxm::cli

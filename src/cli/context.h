@@ -1,5 +1,8 @@
 #pragma once
 
+#include <CLI/CLI.hpp>
+
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -36,10 +39,24 @@ struct Context {
   TerminalHost* host = nullptr;
 };
 
-int RunFormats(Context& ctx);
-int RunInfo(Context& ctx, const std::vector<std::string>& files, bool report);
-int RunConvert(Context& ctx, const std::vector<std::string>& files);
-int RunConfig(Context& ctx, const std::string& action);
+// A command: its CLI11 subcommand and what runs when it is chosen. Each command's file makes
+// its own with a setup function listed in main.cpp.
+struct Command {
+  CLI::App* app = nullptr;
+  std::function<int()> run;
+};
+using CommandSetup = Command (*)(CLI::App& parent, Context& ctx);
+
+Command SetupFormats(CLI::App& parent, Context& ctx);
+Command SetupInfo(CLI::App& parent, Context& ctx);
+Command SetupConvert(CLI::App& parent, Context& ctx);
+Command SetupConfig(CLI::App& parent, Context& ctx);
+
+// Runs `driver` over the files in turn the way every batch command does: prints
+// "SOURCE -> OUTPUT" for each success (unless --quiet), "NAME - TEXT" for each failure, stops
+// after Ctrl-C, and answers the exit status (the first failure's code, or 0).
+int RunOverFiles(Context& ctx, const std::vector<std::string>& files,
+                 const std::function<int(const std::string& path)>& driver);
 
 // Prints "NAME - TEXT" for a failed file on stderr.
 void ReportFailure(Context& ctx, const std::string& name, int code);

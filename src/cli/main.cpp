@@ -68,31 +68,19 @@ int Main(int argc, char** argv) {
   Context ctx;
   AddGlobalOptions(app, ctx.options);
 
-  auto* formats = app.add_subcommand("formats", "List the format table: row, extension, "
-                                                "description, maxBits, caps, enabled, read, write");
-  formats->fallthrough();
-
-  bool report = false;
-  std::vector<std::string> infoFiles;
-  auto* info = app.add_subcommand("info", "Get info: describe each file as the info box does");
-  info->fallthrough();
-  info->add_flag("--report", report, "Add the format's block, chunk, card or tag report");
-  info->add_option("files", infoFiles, "Picture files")->required()->type_name("FILE");
-
-  std::vector<std::string> convertFiles;
-  auto* convert = app.add_subcommand(
-      "convert", "Convert each file into the --to format (prints SOURCE -> OUTPUT)");
-  convert->fallthrough();
-  convert->add_option("files", convertFiles, "Picture files")->required()->type_name("FILE");
-
-  std::string action;
-  auto* config = app.add_subcommand(
-      "config", "PXM.INI: `path` where it lives, `show` the lines the writer would write, "
-                "`write` the file as the program does at shutdown");
-  config->fallthrough();
-  config->add_option("action", action, "path, show or write")
-      ->required()
-      ->check(CLI::IsMember({"path", "show", "write"}));
+  // Every command of the tool, in the order --help lists them.
+  static constexpr CommandSetup kCommands[] = {
+      SetupFormats,
+      SetupInfo,
+      SetupConvert,
+      SetupConfig,
+  };
+  std::vector<Command> commands;
+  for (CommandSetup setup : kCommands) {
+    commands.push_back(setup(app, ctx));
+    // Options of every command may also stand after the command's name.
+    commands.back().app->fallthrough();
+  }
 
   try {
     app.parse(argc, argv);
@@ -117,10 +105,9 @@ int Main(int argc, char** argv) {
   TerminalHost host(answers);
   ctx.host = &host;
 
-  if (*formats) return RunFormats(ctx);
-  if (*info) return RunInfo(ctx, infoFiles, report);
-  if (*convert) return RunConvert(ctx, convertFiles);
-  return RunConfig(ctx, action);
+  for (const Command& command : commands)
+    if (command.app->parsed()) return command.run();
+  return kUsageError;
 }
 
 }  // namespace
