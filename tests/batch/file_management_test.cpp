@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include <sys/stat.h>
+#include <zlib.h>
 
 #include <filesystem>
 #include <fstream>
@@ -10,6 +10,7 @@
 #include "config/settings.h"
 #include "core/error_codes.h"
 #include "core/scripted_host.h"
+#include "formats/png_codec.h"
 #include "support/temp_dir.h"
 
 namespace pxm {
@@ -49,6 +50,16 @@ class FileManagement : public ::testing::Test {
   ScriptedHost host;
   void SetUp() override { fs::create_directory(dir / "to"); }
 };
+
+TEST(CopyCrc, PiecesFoldIntoZlibsCrc32) {
+  const std::string data = Bytes(300000);
+  const auto* p = reinterpret_cast<const uint8_t*>(data.data());
+  uint32_t folded = 0;
+  for (size_t at = 0; at < data.size(); at += kCopyChunk)
+    folded = PngUpdateCrc(folded, {p + at, std::min(kCopyChunk, data.size() - at)});
+  EXPECT_EQ(folded, crc32(0, p, static_cast<uInt>(data.size())));
+  EXPECT_EQ(PngUpdateCrc(0, {reinterpret_cast<const uint8_t*>("123456789"), 9}), 0xCBF43926u);
+}
 
 TEST_F(FileManagement, CopiesInChunksWithTheirStepCount) {
   struct Case {
