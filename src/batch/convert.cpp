@@ -11,15 +11,6 @@
 namespace pxm {
 namespace {
 
-class WaitCursor {
- public:
-  explicit WaitCursor(Host& host) : host_(host) { host_.SetWaitCursor(true); }
-  ~WaitCursor() { host_.SetWaitCursor(false); }
-
- private:
-  Host& host_;
-};
-
 int ConvertStill(Operation& op, const std::string& source, int destRow,
                  const ConvertOptions& options) {
   const FormatEntry& destination = op.table[static_cast<size_t>(destRow)];

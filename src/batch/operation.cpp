@@ -54,18 +54,27 @@ int PostRead(ImageInfo& info) {
   return kOk;
 }
 
-int WriteDestination(Operation& op, int destRow, const std::string& output, LineSource source) {
+int WriteDestination(Operation& op, int destRow, const std::string& output, LineSource source,
+                     std::string_view status) {
   const FormatEntry& entry = op.table[static_cast<size_t>(destRow)];
   if (!entry.write) return kUnsupportedFunction;
-  op.host.SetStatus(MessageWithName(kStrWriting, output));
+  if (status.empty())
+    op.host.SetStatus(MessageWithName(kStrWriting, output));
+  else
+    op.host.SetStatus(status);
   op.host.ReportProgress(0, 0);
   op.store.rowsDone = 0;
   SetText(op.info.fileName, output, kMaxNameLength);
   op.info.getLine = std::move(source);
 
+  return WriteThroughTemporary(op.host, entry, op.info, output);
+}
+
+int WriteThroughTemporary(Host& host, const FormatEntry& entry, ImageInfo& info,
+                          const std::string& output) {
   if (entry.caps & kCapsClipboard) {
     try {
-      return entry.write(op.info, output);
+      return entry.write(info, output);
     } catch (const std::bad_alloc&) {
       return kMemoryError;
     }
@@ -74,7 +83,7 @@ int WriteDestination(Operation& op, int destRow, const std::string& output, Line
   if (!temporary) return kCreateError;
   int code;
   try {
-    code = entry.write(op.info, *temporary);
+    code = entry.write(info, *temporary);
   } catch (const std::bad_alloc&) {
     code = kMemoryError;
   }
@@ -83,7 +92,7 @@ int WriteDestination(Operation& op, int destRow, const std::string& output, Line
     platform::RemoveFile(*temporary);
     return code;
   }
-  op.host.FileWritten(output);
+  host.FileWritten(output);
   return kOk;
 }
 

@@ -24,6 +24,18 @@ struct Operation {
   ImageStore store;
 };
 
+// The wait cursor, shown for as long as the object lives.
+class WaitCursor {
+ public:
+  explicit WaitCursor(Host& host) : host_(host) { host_.SetWaitCursor(true); }
+  ~WaitCursor() { host_.SetWaitCursor(false); }
+  WaitCursor(const WaitCursor&) = delete;
+  WaitCursor& operator=(const WaitCursor&) = delete;
+
+ private:
+  Host& host_;
+};
+
 // Looks the source up, runs its info handler (purpose 0) and, for a row that may hold several
 // images, the select-image box; when an image other than the first was chosen, info runs again
 // for it. Answers the code, and the source row in `row`.
@@ -41,10 +53,16 @@ int ReadSource(Operation& op, int row, const std::string& path, LineSink sink);
 // attachment, say), so nothing of it outlives the read.
 int PostRead(ImageInfo& info);
 
-// Shows "Writing %s", resets the progress cell, puts the output path into the record, points
-// getLine at `source` and runs the destination's writer on a temporary file beside the output,
-// renamed over the output name only when the writer succeeded. Nothing is left behind on
-// failure and an existing file of that name survives it. A success is announced to the host.
-int WriteDestination(Operation& op, int destRow, const std::string& output, LineSource source);
+// Runs `entry`'s writer for the record on a temporary file beside `output` and renames it over
+// the output name only when the writer succeeded: nothing is left behind on failure and an
+// existing file of that name survives it. A success is announced to the host.
+int WriteThroughTemporary(Host& host, const FormatEntry& entry, ImageInfo& info,
+                          const std::string& output);
+
+// Shows `status` ("Writing %s" with the output name when empty), resets the progress cell, puts
+// the output path into the record, points getLine at `source` and runs the destination's writer
+// through WriteThroughTemporary.
+int WriteDestination(Operation& op, int destRow, const std::string& output, LineSource source,
+                     std::string_view status = {});
 
 }  // namespace pxm

@@ -1,8 +1,5 @@
-#include <iostream>
-
 #include "batch/convert.h"
 #include "cli/context.h"
-#include "config/settings.h"
 
 namespace pxm::cli {
 
@@ -15,14 +12,7 @@ Command SetupConvert(CLI::App& parent, Context& ctx) {
   c.run = [&ctx, files]() {
     int destRow = DestinationRow(ctx);
     if (destRow < 0) return kUsageError;
-    if (!ctx.options.output.empty()) {
-      if (files->size() != 1) {
-        std::cerr << "pxm: --output needs exactly one input file\n";
-        return kUsageError;
-      }
-      // --output is the save dialog's answer, so the dialog is put in the way of the name.
-      CurrentSettings().PromptforDestName = 1;
-    }
+    if (!ApplyOutputOption(ctx, files->size())) return kUsageError;
     ConvertOptions options;
     options.destinationDirectory = ctx.options.destDir;
     return RunOverFiles(ctx, *files, [&](const std::string& path) {

@@ -1,6 +1,8 @@
+#include <charconv>
 #include <iostream>
 
 #include "cli/context.h"
+#include "config/settings.h"
 #include "core/strings.h"
 #include "formats/format_table.h"
 
@@ -26,6 +28,34 @@ int RunOverFiles(Context& ctx, const std::vector<std::string>& files,
     if (ctx.host->Interrupted()) break;
   }
   return status;
+}
+
+bool ApplyOutputOption(const Context& ctx, size_t fileCount) {
+  if (ctx.options.output.empty()) return true;
+  if (fileCount != 1) {
+    std::cerr << "pxm: --output needs exactly one input file\n";
+    return false;
+  }
+  CurrentSettings().PromptforDestName = 1;
+  return true;
+}
+
+bool ParseNumbers(const std::string& text, char separator, size_t count,
+                  std::vector<uint32_t>& numbers) {
+  numbers.clear();
+  const char* p = text.data();
+  const char* end = p + text.size();
+  while (true) {
+    uint32_t value = 0;
+    auto [next, error] = std::from_chars(p, end, value);
+    if (error != std::errc() || next == p) return false;
+    numbers.push_back(value);
+    p = next;
+    if (p == end) break;
+    if (*p != separator) return false;
+    ++p;
+  }
+  return numbers.size() == count;
 }
 
 int DestinationRow(const Context& ctx) {

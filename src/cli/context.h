@@ -51,6 +51,14 @@ Command SetupFormats(CLI::App& parent, Context& ctx);
 Command SetupInfo(CLI::App& parent, Context& ctx);
 Command SetupConvert(CLI::App& parent, Context& ctx);
 Command SetupConfig(CLI::App& parent, Context& ctx);
+Command SetupScale(CLI::App& parent, Context& ctx);
+Command SetupTransform(CLI::App& parent, Context& ctx);
+Command SetupReverse(CLI::App& parent, Context& ctx);
+Command SetupCrop(CLI::App& parent, Context& ctx);
+Command SetupCopy(CLI::App& parent, Context& ctx);
+Command SetupMove(CLI::App& parent, Context& ctx);
+Command SetupRename(CLI::App& parent, Context& ctx);
+Command SetupDelete(CLI::App& parent, Context& ctx);
 
 // Runs `driver` over the files in turn the way every batch command does: prints
 // "SOURCE -> OUTPUT" for each success (unless --quiet), "NAME - TEXT" for each failure, stops
@@ -60,6 +68,13 @@ int RunOverFiles(Context& ctx, const std::vector<std::string>& files,
 
 // Prints "NAME - TEXT" for a failed file on stderr.
 void ReportFailure(Context& ctx, const std::string& name, int code);
+// --output is the save dialog's answer for one input file: it puts the dialog in the way of the
+// name. False (with a message) when more than one file was given.
+bool ApplyOutputOption(const Context& ctx, size_t fileCount);
+// Splits "12,34" (or "640x480" with separator 'x') into exactly `count` unsigned numbers.
+bool ParseNumbers(const std::string& text, char separator, size_t count,
+                  std::vector<uint32_t>& numbers);
+
 // The destination row named by --to; prints a usage message and answers -1 when it names none.
 int DestinationRow(const Context& ctx);
 

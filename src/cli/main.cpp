@@ -73,6 +73,14 @@ int Main(int argc, char** argv) {
       SetupFormats,
       SetupInfo,
       SetupConvert,
+      SetupScale,
+      SetupTransform,
+      SetupReverse,
+      SetupCrop,
+      SetupCopy,
+      SetupMove,
+      SetupRename,
+      SetupDelete,
       SetupConfig,
   };
   std::vector<Command> commands;

@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
@@ -154,6 +155,25 @@ bool ReplaceFile(const std::string& from, const std::string& to) {
   if (stat(to.c_str(), &st) == 0 && S_ISREG(st.st_mode)) mode = st.st_mode & 07777;
   chmod(from.c_str(), mode);
   return rename(from.c_str(), to.c_str()) == 0;
+}
+
+bool RenameNoReplace(const std::string& from, const std::string& to) {
+  // The exchange-free rename refuses atomically; file systems without it get the plain check.
+  if (renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE) == 0) return true;
+  if (errno != EINVAL && errno != ENOSYS) return false;
+  struct stat st;
+  if (lstat(to.c_str(), &st) == 0) return false;
+  return rename(from.c_str(), to.c_str()) == 0;
+}
+
+bool CopyModificationTime(const std::string& source, const std::string& target) {
+  struct stat st;
+  if (stat(source.c_str(), &st) != 0) return false;
+  struct timespec times[2];
+  times[0].tv_sec = 0;
+  times[0].tv_nsec = UTIME_OMIT;  // the access time is the copy's own
+  times[1] = st.st_mtim;
+  return utimensat(AT_FDCWD, target.c_str(), times, 0) == 0;
 }
 
 std::string CtimeNow() {

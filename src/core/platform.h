@@ -51,6 +51,11 @@ std::optional<std::string> CreateTemporaryFileIn(const std::string& directory,
 // (or the replaced file's mode). True on success.
 bool ReplaceFile(const std::string& from, const std::string& to);
 
+// Renames `from` to `to` unless something named `to` exists already. True on success.
+bool RenameNoReplace(const std::string& from, const std::string& to);
+// Gives `target` the modification time of `source`. True on success.
+bool CopyModificationTime(const std::string& source, const std::string& target);
+
 // The current local time in the 24-character form of ctime ("Sat Nov 21 15:09:00 2026").
 std::string CtimeNow();
 

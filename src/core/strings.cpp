@@ -169,10 +169,15 @@ std::string FormatText(const char* format, ...) {
   return out;
 }
 
+std::string FillText(std::string_view text, std::string_view placeholder, std::string_view value) {
+  std::string filled(text);
+  if (auto pos = filled.find(placeholder); pos != std::string::npos)
+    filled.replace(pos, placeholder.size(), value);
+  return filled;
+}
+
 std::string MessageWithName(int id, std::string_view name) {
-  std::string text(LoadMessage(id));
-  if (auto pos = text.find("%s"); pos != std::string::npos) text.replace(pos, 2, name);
-  return text;
+  return FillText(LoadMessage(id), "%s", name);
 }
 
 std::string ErrorText(int code) {

@@ -57,6 +57,9 @@ bool HasMessage(int id);
 // printf-style formatting into a std::string; used for the table's "%s" and "%u" texts.
 std::string FormatText(const char* format, ...) __attribute__((format(printf, 1, 2)));
 
+// `text` with its first occurrence of `placeholder` ("%s", "%u") replaced by `value`.
+std::string FillText(std::string_view text, std::string_view placeholder, std::string_view value);
+
 // Entry `id` with its one "%s" filled in ("Reading %s" -> "Reading photo.bmp").
 std::string MessageWithName(int id, std::string_view name);
 

@@ -131,6 +131,77 @@ TEST_F(PxmTest, OverwriteQuestionIsAnsweredByOptionsOrNo) {
   EXPECT_NE(test::ReadFileBytes(dir / "a.dib"), "old");
 }
 
+TEST_F(PxmTest, PictureCommandsNameTheirOutputs) {
+  Picture("a.bmp", 8, 40, 20);
+  Result r = Pxm("scale --percent 50 --to dib a.bmp");
+  ASSERT_EQ(r.status, 0) << r.err;
+  EXPECT_EQ(r.Lines(), std::vector<std::string>{"a.bmp -> a.dib"});
+  test::Picture p;
+  ASSERT_EQ(test::ReadPicture(dir / "a.dib", p), 0);
+  EXPECT_EQ(std::pair(p.width, p.depth), std::pair(20u, 10));
+  ASSERT_EQ(Pxm("scale --percent 200,50 --to dib a.bmp").status, 0);
+  ASSERT_EQ(test::ReadPicture(dir / "a.dib", p), 0);
+  EXPECT_EQ(std::pair(p.width, p.depth), std::pair(80u, 10));
+  ASSERT_EQ(Pxm("scale --size 2x100 --to dib a.bmp").status, 0);  // 2 is held at 16
+  ASSERT_EQ(test::ReadPicture(dir / "a.dib", p), 0);
+  EXPECT_EQ(std::pair(p.width, p.depth), std::pair(16u, 100));
+
+  // The mode comes from TransformMode unless --mode names one.
+  ASSERT_EQ(Pxm("transform --to dib a.bmp").status, 0);
+  ASSERT_EQ(test::ReadPicture(dir / "a.dib", p), 0);
+  EXPECT_EQ(std::pair(p.width, p.depth), std::pair(20u, 40));
+  ASSERT_EQ(Pxm("--set TransformMode=105 transform --to dib a.bmp --output up.dib").status, 0);
+  ASSERT_EQ(test::ReadPicture(dir / "up.dib", p), 0);
+  EXPECT_EQ(std::pair(p.width, p.depth), std::pair(40u, 20));
+  EXPECT_EQ(Pxm("transform --mode rotate270 --to dib a.bmp").status, 0);
+  r = Pxm("transform --mode 101 --to dib a.bmp --set UseVirtualMemoryAlways=1");
+  EXPECT_EQ(r.status, 16);
+  EXPECT_EQ(r.err, "a.bmp - Not available for VMS\n");
+
+  EXPECT_EQ(Pxm("reverse --to bmp --output neg.bmp a.bmp").Lines(),
+            std::vector<std::string>{"a.bmp -> neg.bmp"});
+  EXPECT_EQ(Pxm("crop --rect 5,5,10,4 --to dib a.bmp").status, 0);
+  ASSERT_EQ(test::ReadPicture(dir / "a.dib", p), 0);
+  EXPECT_EQ(std::pair(p.width, p.depth), std::pair(10u, 4));
+
+  for (const char* bad : {"scale --to dib a.bmp", "scale --percent 50 --size 9x9 --to dib a.bmp",
+                          "scale --percent 5,6,7 --to dib a.bmp", "scale --size 640 --to dib a.bmp",
+                          "transform --mode sideways --to dib a.bmp", "reverse a.bmp",
+                          "crop --rect 1,2,3 --to dib a.bmp", "crop --rect 1,2,0,4 --to dib a.bmp"})
+    EXPECT_EQ(Pxm(bad).status, 64) << bad;
+}
+
+TEST_F(PxmTest, FileCommandsCopyMoveRenameAndDelete) {
+  test::WriteFileBytes(dir / "one.txt", "1");
+  test::WriteFileBytes(dir / "two.txt", "2");
+  std::filesystem::create_directory(dir / "out");
+  Result r = Pxm("copy --to-dir out one.txt two.txt");
+  ASSERT_EQ(r.status, 0) << r.err;
+  EXPECT_EQ(r.Lines(), (std::vector<std::string>{"one.txt -> out/one.txt", "two.txt -> out/two.txt"}));
+  r = Pxm("copy --to-dir . one.txt");
+  EXPECT_EQ(r.status, 4);
+  EXPECT_EQ(r.err, "Files cannot be moved or copied to themselves.\n");
+
+  EXPECT_EQ(Pxm("move --to-dir out/ one.txt").status, 4);  // the question gets No
+  EXPECT_TRUE(std::filesystem::exists(dir / "one.txt"));
+  EXPECT_EQ(Pxm("--yes move --no-verify --to-dir out/ one.txt").Lines(),
+            std::vector<std::string>{"one.txt -> out/one.txt"});
+  EXPECT_FALSE(std::filesystem::exists(dir / "one.txt"));
+
+  EXPECT_EQ(Pxm("rename two.txt three.txt").Lines(),
+            std::vector<std::string>{"two.txt -> three.txt"});
+  r = Pxm("rename three.txt out/two.txt");
+  EXPECT_EQ(r.status, 9);
+  EXPECT_EQ(r.err, "three.txt - Error renaming file\n");
+
+  EXPECT_EQ(Pxm("delete three.txt out/one.txt").status, 4);
+  r = Pxm("--yes delete three.txt out/one.txt missing.txt");
+  EXPECT_EQ(r.status, 1);
+  EXPECT_EQ(r.out, "");
+  EXPECT_EQ(test::ListDirectory(dir / "out"), std::vector<std::string>{"two.txt"});
+  EXPECT_FALSE(std::filesystem::exists(dir / "three.txt"));
+}
+
 TEST_F(PxmTest, ConfigShowsAndWritesTheSettingsFile) {
   Result path = Pxm("config path");
   EXPECT_EQ(path.out, dir / "config/pixmill/PXM.INI\n");
