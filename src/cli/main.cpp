@@ -73,6 +73,7 @@ int Main(int argc, char** argv) {
       SetupFormats,
       SetupInfo,
       SetupConvert,
+      SetupDither,
       SetupConfig,
   };
   std::vector<Command> commands;

@@ -153,5 +153,31 @@ TEST_F(PxmTest, ConfigShowsAndWritesTheSettingsFile) {
   EXPECT_NE(Pxm("--ini other.ini config show").out.find("TipWait = 99\n"), std::string::npos);
 }
 
+TEST_F(PxmTest, DitherRewritesEachFileInItsOwnFormatUnlessToIsGiven) {
+  Picture("pic.bmp", 24);
+  Picture("wide.bmp", 8);
+  Picture("mono.bmp", 1);
+  Result r = Pxm("dither --method threshold --level 100 pic.bmp");
+  ASSERT_EQ(r.status, 0) << r.err;
+  EXPECT_EQ(r.Lines(), std::vector<std::string>{"pic.bmp -> pic.bmp"});
+  r = Pxm("--to dib dither wide.bmp --method stucki --size 2 --bidirectional --contrast 40");
+  ASSERT_EQ(r.status, 0) << r.err;
+  test::Picture a, b;
+  ASSERT_EQ(test::ReadPicture(dir / "pic.bmp", a), 0);
+  ASSERT_EQ(test::ReadPicture(dir / "wide.dib", b), 0);
+  EXPECT_EQ(a.bits, 1u);
+  EXPECT_EQ(b.bits, 1u);
+  EXPECT_EQ(b.width, 18u);  // the size factor enlarged it
+  EXPECT_EQ(b.depth, 10);
+
+  r = Pxm("dither mono.bmp");
+  EXPECT_EQ(r.status, 13);
+  EXPECT_EQ(r.err, "mono.bmp - Unsuitable image\n");
+  EXPECT_EQ(Pxm("dither --method floyd --level 3 wide.bmp").status, 64);
+  EXPECT_EQ(Pxm("dither --method bayer --size 2 wide.bmp").status, 64);
+  EXPECT_EQ(Pxm("dither --method dots wide.bmp").status, 64);
+  EXPECT_EQ(Pxm("dither --contrast 255 wide.bmp").status, 64);
+}
+
 }  // namespace
 }  // namespace pxm
