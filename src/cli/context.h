@@ -52,6 +52,7 @@ Command SetupInfo(CLI::App& parent, Context& ctx);
 Command SetupConvert(CLI::App& parent, Context& ctx);
 Command SetupConfig(CLI::App& parent, Context& ctx);
 Command SetupDither(CLI::App& parent, Context& ctx);
+Command SetupEffect(CLI::App& parent, Context& ctx);
 
 // Runs `driver` over the files in turn the way every batch command does: prints
 // "SOURCE -> OUTPUT" for each success (unless --quiet), "NAME - TEXT" for each failure, stops

@@ -74,6 +74,7 @@ int Main(int argc, char** argv) {
       SetupInfo,
       SetupConvert,
       SetupDither,
+      SetupEffect,
       SetupConfig,
   };
   std::vector<Command> commands;

@@ -6,41 +6,38 @@
 // choice, a mapping method or a block size.
 namespace pxm {
 
-enum EffectBit : uint32_t {
-  kEffectReduce = 1,     // colour reduction or dither
-  kEffectGrey = 2,
-  kEffectSoften = 4,
-  kEffectSharpen = 8,
-  kEffectSmudge = 16,
-  kEffectPosterize = 32,
-  kEffectPromote = 64,
-};
+inline constexpr uint32_t kEffectReduce = 1;  // colour reduction or dither
+inline constexpr uint32_t kEffectGrey = 2;
+inline constexpr uint32_t kEffectSoften = 4;
+inline constexpr uint32_t kEffectSharpen = 8;
+inline constexpr uint32_t kEffectSmudge = 16;
+inline constexpr uint32_t kEffectPosterize = 32;
+inline constexpr uint32_t kEffectPromote = 64;
 
 // Posterize block sizes 2, 4, 8, 16.
-enum EffectBlockBit : uint32_t {
-  kBlock2 = 0x100,
-  kBlock4 = 0x200,
-  kBlock8 = 0x400,
-  kBlock16 = 0x800,
-};
+inline constexpr uint32_t kBlock2 = 0x100;
+inline constexpr uint32_t kBlock4 = 0x200;
+inline constexpr uint32_t kBlock8 = 0x400;
+inline constexpr uint32_t kBlock16 = 0x800;
 
 // Mapping methods of colour reduction, in bits 8..11.
-enum MappingMethod : uint32_t { kMapRemap = 1, kMapFloyd = 2, kMapBurkes = 3, kMapStucki = 4 };
+inline constexpr uint32_t kMapRemap = 1;
+inline constexpr uint32_t kMapFloyd = 2;
+inline constexpr uint32_t kMapBurkes = 3;
+inline constexpr uint32_t kMapStucki = 4;
 
 // Palette choices, in bits 12..15: the dialog's radio buttons 1 to 11 in order.
-enum PaletteChoice : uint32_t {
-  kPaletteOrthogonal = 1,
-  kPaletteQuantized256 = 2,
-  kPaletteQuantized128 = 3,
-  kPaletteQuantized64 = 4,
-  kPaletteQuantized32 = 5,
-  kPaletteQuantized16 = 6,
-  kPaletteQuantized8 = 7,
-  kPaletteQuantized4 = 8,
-  kPaletteBayer8 = 9,
-  kPaletteFixed16 = 10,
-  kPaletteQuantized240 = 11,
-};
+inline constexpr uint32_t kPaletteOrthogonal = 1;
+inline constexpr uint32_t kPaletteQuantized256 = 2;
+inline constexpr uint32_t kPaletteQuantized128 = 3;
+inline constexpr uint32_t kPaletteQuantized64 = 4;
+inline constexpr uint32_t kPaletteQuantized32 = 5;
+inline constexpr uint32_t kPaletteQuantized16 = 6;
+inline constexpr uint32_t kPaletteQuantized8 = 7;
+inline constexpr uint32_t kPaletteQuantized4 = 8;
+inline constexpr uint32_t kPaletteBayer8 = 9;
+inline constexpr uint32_t kPaletteFixed16 = 10;
+inline constexpr uint32_t kPaletteQuantized240 = 11;
 
 constexpr uint32_t MethodOf(uint32_t effects) { return (effects >> 8) & 0xF; }
 constexpr uint32_t PaletteChoiceOf(uint32_t effects) { return (effects >> 12) & 0xF; }
