@@ -213,6 +213,8 @@ class Reducer {
     const uint32_t width = image_.width;
     const int32_t depth = image_.depth;
     const size_t rowBytes = static_cast<size_t>(StoreBytesPerLine(width, 24));
+    // The output row outlives each row: the leftward rows of shallow palettes never map column
+    // 0, which keeps the index of the row above, and index 0 on the first row.
     std::vector<uint8_t> row(rowBytes, 0), out(rowBytes, 0);
 
     int entries = 0;
