@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Sets up everything (packages, an optimised build) and runs Pixmill over the sample pictures:
-# the description of each, then a conversion of each into a scratch folder.
+# the description of each, then a conversion of each into a scratch folder, and a few of them
+# dithered and reduced.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -24,4 +25,13 @@ echo "== pxm convert into $scratch"
 "$pxm" convert --to bmp --dest-dir "$scratch" --set FilenameUnderbars=0 samples/*.bmp samples/*.bga
 "$pxm" --set WriteOS2Bitmaps=1 convert --to dib --dest-dir "$scratch" --set FilenameUnderbars=0 samples/*.bmp
 echo
-ls -l "$scratch"
+echo "== pxm dither and pxm effect into $scratch/dither and $scratch/effect"
+mkdir -p "$scratch/dither" "$scratch/effect"
+"$pxm" dither --method stucki --bidirectional --dest-dir "$scratch/dither" --set FilenameUnderbars=0 \
+  samples/wheel-24bit.bmp samples/wheel-8bit.bmp samples/wheel-4bit.bmp
+"$pxm" effect --effect reduce --palette 6 --method floyd --to bmp --dest-dir "$scratch/effect" \
+  --set FilenameUnderbars=0 samples/wheel-24bit.bmp
+"$pxm" effect --effect grey --to dib --dest-dir "$scratch/effect" --set FilenameUnderbars=0 \
+  samples/wheel-8bit.bmp
+echo
+ls -lR "$scratch"

@@ -59,6 +59,8 @@ Command SetupCopy(CLI::App& parent, Context& ctx);
 Command SetupMove(CLI::App& parent, Context& ctx);
 Command SetupRename(CLI::App& parent, Context& ctx);
 Command SetupDelete(CLI::App& parent, Context& ctx);
+Command SetupDither(CLI::App& parent, Context& ctx);
+Command SetupEffect(CLI::App& parent, Context& ctx);
 
 // Runs `driver` over the files in turn the way every batch command does: prints
 // "SOURCE -> OUTPUT" for each success (unless --quiet), "NAME - TEXT" for each failure, stops

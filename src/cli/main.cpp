@@ -81,6 +81,8 @@ int Main(int argc, char** argv) {
       SetupMove,
       SetupRename,
       SetupDelete,
+      SetupDither,
+      SetupEffect,
       SetupConfig,
   };
   std::vector<Command> commands;

@@ -224,5 +224,53 @@ TEST_F(PxmTest, ConfigShowsAndWritesTheSettingsFile) {
   EXPECT_NE(Pxm("--ini other.ini config show").out.find("TipWait = 99\n"), std::string::npos);
 }
 
+TEST_F(PxmTest, DitherRewritesEachFileInItsOwnFormatUnlessToIsGiven) {
+  Picture("pic.bmp", 24);
+  Picture("wide.bmp", 8);
+  Picture("mono.bmp", 1);
+  Result r = Pxm("dither --method threshold --level 100 pic.bmp");
+  ASSERT_EQ(r.status, 0) << r.err;
+  EXPECT_EQ(r.Lines(), std::vector<std::string>{"pic.bmp -> pic.bmp"});
+  r = Pxm("--to dib dither wide.bmp --method stucki --size 2 --bidirectional --contrast 40");
+  ASSERT_EQ(r.status, 0) << r.err;
+  test::Picture a, b;
+  ASSERT_EQ(test::ReadPicture(dir / "pic.bmp", a), 0);
+  ASSERT_EQ(test::ReadPicture(dir / "wide.dib", b), 0);
+  EXPECT_EQ(a.bits, 1u);
+  EXPECT_EQ(b.bits, 1u);
+  EXPECT_EQ(b.width, 18u);  // the size factor enlarged it
+  EXPECT_EQ(b.depth, 10);
+
+  r = Pxm("dither mono.bmp");
+  EXPECT_EQ(r.status, 13);
+  EXPECT_EQ(r.err, "mono.bmp - Unsuitable image\n");
+  EXPECT_EQ(Pxm("dither --method floyd --level 3 wide.bmp").status, 64);
+  EXPECT_EQ(Pxm("dither --method bayer --size 2 wide.bmp").status, 64);
+  EXPECT_EQ(Pxm("dither --method dots wide.bmp").status, 64);
+  EXPECT_EQ(Pxm("dither --contrast 255 wide.bmp").status, 64);
+}
+
+TEST_F(PxmTest, EffectTakesAnEffectWithItsOptionsOrTheRawWord) {
+  Picture("a.bmp", 24);
+  Result r = Pxm("effect --effect reduce --palette 6 --method stucki --to dib a.bmp");
+  ASSERT_EQ(r.status, 0) << r.err;
+  EXPECT_EQ(r.Lines(), std::vector<std::string>{"a.bmp -> a.dib"});
+  test::Picture p;
+  ASSERT_EQ(test::ReadPicture(dir / "a.dib", p), 0);
+  EXPECT_EQ(p.bits, 4u);
+  // 0x7002: grey scale with the "8 colour" choice's 3 bits.
+  ASSERT_EQ(Pxm("effect --word 0x7002 --to bmp --output g.bmp a.bmp").status, 0);
+  ASSERT_EQ(test::ReadPicture(dir / "g.bmp", p), 0);
+  EXPECT_EQ(p.palette[7], (Rgb{224, 224, 224}));
+  EXPECT_EQ(Pxm("effect --word 64 --to bmp --output w.bmp a.bmp").status, 0);
+
+  EXPECT_EQ(Pxm("effect --word 65535 --to bmp a.bmp").status, 4);  // the dialog's Cancel
+  EXPECT_EQ(Pxm("effect --effect sharpen --palette 3 --to bmp a.bmp").status, 64);
+  EXPECT_EQ(Pxm("effect --effect posterize --block 3 --to bmp a.bmp").status, 64);
+  EXPECT_EQ(Pxm("effect --effect grey --word 2 --to bmp a.bmp").status, 64);
+  EXPECT_EQ(Pxm("effect --word 0x --to bmp a.bmp").status, 64);
+  EXPECT_EQ(Pxm("effect --effect grey a.bmp").status, 64);  // no --to
+}
+
 }  // namespace
 }  // namespace pxm
