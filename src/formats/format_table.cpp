@@ -9,6 +9,7 @@
 #include "formats/bmp.h"
 #include "formats/clipboard.h"
 #include "formats/jpeg.h"
+#include "formats/tiff.h"
 
 namespace pxm {
 
@@ -36,7 +37,7 @@ constexpr FormatEntry kTable[kFormatCount] = {
     {kNoList, PXM_NOT_BUILT, nullptr, 24, "IMG", "(IMG) GEM/Ventura", 1, 1},
     {kNoList, PXM_NOT_BUILT, nullptr, 24, "PCX", "(PCX) PC Paintbrush", 1, 1},
     {kList5, PXM_NOT_BUILT, nullptr, 8, "GIF", "(GIF) CompuServe", 1, 261},
-    {kList5, PXM_NOT_BUILT, nullptr, 24, "TIF", "(TIF) TIFF", 1, 1},
+    {TiffList, TiffInfo, TiffRead, TiffWrite, nullptr, 24, "TIF", "(TIF) TIFF", 1, 1},
     {kNoList, PXM_NOT_BUILT, nullptr, 8, "WPG", "(WPG) WordPerfect Graphics", 1, 1},
     {kNoList, PXM_NOT_BUILT, nullptr, 24, "PIC", "(PIC) Pictor or Pegasus", 1, 1},
     {kNoList, PXM_NOT_BUILT, nullptr, 24, "TGA", "(TGA) Targa", 1, 1},
