@@ -262,7 +262,6 @@ int DoWrite(ImageInfo& info, const std::string& path) {
 
   const uint32_t storage = StorageBits(info.bits);
   std::vector<uint8_t> in(WorkingRowSize(info.width, info.bits));
-  std::vector<uint8_t> rgb;
   RgbMap map{};
   for (size_t i = 0; i < 256; ++i)
     map[i] = {info.palette[i].red, info.palette[i].green, info.palette[i].blue};
@@ -270,9 +269,9 @@ int DoWrite(ImageInfo& info, const std::string& path) {
                      : storage == 4 ? NibbleToRgb
                      : storage == 8 ? ByteToRgb
                                     : nullptr;
-  if (convert) rgb.resize(3 * static_cast<size_t>(info.width));
-  WriteJob job{&c,         &info,   in.data(), in.size(), convert ? rgb.data() : in.data(),
-               convert,    &map,    std::clamp(CurrentSettings().JpegCompressionFactor, 0, 100)};
+  std::vector<uint8_t> rgb(convert ? 3 * static_cast<size_t>(info.width) : 0);
+  WriteJob job{&c,      &info, in.data(), in.size(), convert ? rgb.data() : in.data(),
+               convert, &map,  std::clamp(CurrentSettings().JpegCompressionFactor, 0, 100)};
   if (int code = RunGuarded(c.errors, EncodeRows, &job)) return code;
   return file.Commit() ? kOk : kWriteError;
 }

@@ -48,7 +48,7 @@ int ReadTiffDirectory(InputFile& file, TiffDirectory& dir) {
   // At most 65535 entries of 12 bytes: a bounded read, checked against the file all the same.
   if (uint64_t{ifd} + 2 + uint64_t{count} * kEntrySize > dir.fileSize) return kCorruptedFile;
   std::vector<uint8_t> bytes(size_t{count} * kEntrySize);
-  if (!file.ReadExact(bytes.data(), bytes.size())) return kCorruptedFile;
+  if (count > 0 && !file.ReadExact(bytes.data(), bytes.size())) return kCorruptedFile;
   dir.entries.resize(count);
   for (size_t i = 0; i < count; ++i) {
     const uint8_t* p = bytes.data() + i * kEntrySize;
@@ -78,6 +78,7 @@ std::optional<std::vector<uint32_t>> TiffValues(InputFile& file, const TiffDirec
     return std::nullopt;
   const uint32_t size = TiffTypeSize(entry.type);
   const uint32_t n = entry.count < limit ? entry.count : limit;
+  if (n == 0) return std::vector<uint32_t>{};
   std::vector<uint8_t> bytes(size_t{n} * size);
   if (uint64_t{entry.count} * size <= 4) {
     for (size_t k = 0; k < bytes.size(); ++k) bytes[k] = entry.raw[k];

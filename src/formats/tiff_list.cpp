@@ -46,6 +46,7 @@ std::string_view TypeName(uint16_t type) {
 // Up to 35 characters, from the field itself when the text fits in it.
 std::string AsciiText(InputFile& file, const TiffEntry& e) {
   const auto n = static_cast<size_t>(std::min<uint32_t>(e.count, kAsciiLimit));
+  if (n == 0) return {};
   std::string text(n, '\0');
   if (e.count <= 4) {
     for (size_t k = 0; k < n; ++k) text[k] = static_cast<char>(e.raw[k]);

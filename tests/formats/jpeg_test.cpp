@@ -2,9 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <filesystem>
-#include <set>
 #include <string>
 
 #include "config/settings.h"
@@ -21,27 +19,6 @@ using test::Picture;
 using Codes = std::pair<int, int>;  // info, then read
 
 std::string Sample(const std::string& name) { return test::SourceDir() + "/tests/data/jpeg/" + name; }
-
-bool Near(const Rgb& a, const Rgb& b, int tolerance) {
-  return std::abs(a.red - b.red) <= tolerance && std::abs(a.green - b.green) <= tolerance &&
-         std::abs(a.blue - b.blue) <= tolerance;
-}
-
-// Blocks of 16 × 16 pixels of one colour each: away from their edges (where the decoder's
-// smooth chroma upsampling mixes neighbours) they survive the compressor almost unchanged.
-Picture Blocks(uint32_t bits, uint32_t blocksAcross, int32_t blocksDown) {
-  Picture p = Picture::Blank(16 * blocksAcross, 16 * blocksDown, bits);
-  const uint32_t colours = bits == 24 ? 0 : 1u << std::min(bits, 8u);
-  for (uint32_t i = 0; i < colours; ++i)
-    p.palette[i] = Rgb{static_cast<uint8_t>(250 - i * 29 % 240), static_cast<uint8_t>(i * 71 % 256),
-                       static_cast<uint8_t>(40 + i * 13 % 200)};
-  for (int32_t y = 0; y < p.depth; ++y)
-    for (uint32_t x = 0; x < p.width; ++x) {
-      const uint32_t block = (x / 16) + (static_cast<uint32_t>(y) / 16) * blocksAcross;
-      p.SetPixel(x, y, colours ? block % colours : 0x10305Fu * (block + 1));
-    }
-  return p;
-}
 
 TEST(JpegInfo, SizesBitsAndColourSpaceNames) {
   struct Case {
@@ -104,46 +81,16 @@ TEST(JpegRead, TruncatedDamagedAndMissingFiles) {
   EXPECT_EQ(JpegRead(info, dir / "missing.jpg"), kOpenError);
 }
 
-TEST(JpegRead, GreyRgbAndQuantizedRowsAndAnAbort) {
-  // The grey file through both settings: 8-bit rows, grey levels straight from the file with
-  // ReadJpegRgb, through the quantizer's grey map without it.
-  Picture grey[2];
+// Pixels are compared with djpeg's in the oracle tests; here the shape of what is delivered.
+TEST(JpegRead, GreyStaysGreyAndTheSinkCanStop) {
   for (int rgb : {0, 1}) {
     ScopedSettings settings;
     settings->ReadJpegRgb = rgb;
-    ASSERT_EQ(test::ReadPicture(Sample("grey.jpg"), grey[rgb]), kOk);
-    EXPECT_EQ(grey[rgb].bits, 8u);
-    const Rgb c = grey[rgb].palette[77];
-    EXPECT_TRUE(c.red == c.green && c.green == c.blue);
+    Picture grey;
+    ASSERT_EQ(test::ReadPicture(Sample("grey.jpg"), grey), kOk);
+    EXPECT_EQ(grey.bits, 8u);
+    for (const Rgb& c : test::Colours(grey)) ASSERT_TRUE(c.red == c.green && c.green == c.blue);
   }
-  EXPECT_EQ(grey[1].palette[77], (Rgb{77, 77, 77}));
-  const auto plain = test::Colours(grey[1]), mapped = test::Colours(grey[0]);
-  for (size_t i = 0; i < plain.size(); ++i) ASSERT_TRUE(Near(plain[i], mapped[i], 2)) << i;
-
-  // Colour: quantized pixels are close to the full-colour ones, with at most 256 colours.
-  Picture full, quantized;
-  {
-    ScopedSettings settings;
-    settings->ReadJpegRgb = 1;
-    ASSERT_EQ(test::ReadPicture(Sample("colour.jpg"), full), kOk);
-  }
-  for (int dither : {0, 1}) {
-    ScopedSettings settings;
-    settings->DitherOnJpegRead = dither;
-    ASSERT_EQ(test::ReadPicture(Sample("colour.jpg"), quantized), kOk);
-    ASSERT_EQ(quantized.bits, 8u);
-    const auto a = test::Colours(full), b = test::Colours(quantized);
-    std::set<uint32_t> used;
-    int far = 0;
-    for (size_t i = 0; i < a.size(); ++i) {
-      used.insert(quantized.Pixel(static_cast<uint32_t>(i % 21), static_cast<int32_t>(i / 21)));
-      far += Near(a[i], b[i], 64) ? 0 : 1;
-    }
-    EXPECT_EQ(far, 0) << "dither " << dither;
-    EXPECT_GT(used.size(), 8u);
-  }
-
-  // The sink's stop ends the read with "Function cancelled".
   ImageInfo info;
   ASSERT_EQ(JpegInfo(info, Sample("progressive.jpg"), 0), kOk);
   int rows = 0;
@@ -155,56 +102,26 @@ TEST(JpegRead, GreyRgbAndQuantizedRowsAndAnAbort) {
   EXPECT_EQ(rows, 4);
 }
 
-TEST(JpegWrite, PalettePicturesThroughTheirPaletteAndEveryDepth) {
+TEST(JpegWrite, OneBitPicturesBecomeColourFiles) {
   test::TempDir dir;
   ScopedSettings settings;
   settings->ReadJpegRgb = 1;
-  settings->JpegCompressionFactor = 95;
-  for (uint32_t bits : {1u, 3u, 4u, 8u, 24u}) {
-    SCOPED_TRACE(bits);
-    const Picture p = Blocks(bits, 3, 2);
-    ASSERT_EQ(test::WritePicture(p, dir / "a.jpg"), kOk);
-    Picture q;
-    ImageInfo info;
-    ASSERT_EQ(test::ReadPicture(dir / "a.jpg", q, nullptr, &info), kOk);
-    // Always a colour file, also for two colours.
-    EXPECT_EQ(info.description, "YUV colour space");
-    ASSERT_EQ(q.bits, 24u);
-    for (int32_t y = 0; y < p.depth; ++y)
-      for (uint32_t x = 0; x < p.width; ++x)
-        if (x % 16 >= 2 && x % 16 < 14 && y % 16 >= 2 && y % 16 < 14) {
-          ASSERT_TRUE(Near(q.Colour(x, y), p.Colour(x, y), 6)) << x << "," << y;
-        }
-  }
-  // Odd sizes down to one pixel.
-  for (auto [w, h] : {std::pair{1u, 1}, {17u, 3}, {5u, 33}}) {
-    ASSERT_EQ(test::WritePicture(test::Pattern(w, h, 24), dir / "b.jpe"), kOk);
-    Picture q;
-    ASSERT_EQ(test::ReadPicture(dir / "b.jpe", q), kOk);
-    EXPECT_EQ(q.width, w);
-    EXPECT_EQ(q.depth, h);
-  }
+  ASSERT_EQ(test::WritePicture(test::Pattern(17, 3, 1), dir / "a.jpe"), kOk);
+  ImageInfo info;
+  ASSERT_EQ(JpegInfo(info, dir / "a.jpe", 0), kOk);
+  EXPECT_EQ(info.description, "YUV colour space");
+  EXPECT_EQ(info.bits, 24u);
 }
 
-TEST(JpegWrite, QualityChangesTheFileAndACancelLeavesNothing) {
+TEST(JpegWrite, ACancelLeavesNothing) {
   test::TempDir dir;
   const Picture p = test::Pattern(40, 30, 24);
-  std::uintmax_t sizes[2] = {};
-  for (int i = 0; i < 2; ++i) {
-    ScopedSettings settings;
-    settings->JpegCompressionFactor = i == 0 ? 20 : 90;
-    ASSERT_EQ(test::WritePicture(p, dir / "q.jpg"), kOk);
-    sizes[i] = std::filesystem::file_size(dir / "q.jpg");
-  }
-  EXPECT_LT(sizes[0], sizes[1]);
-
   ImageInfo info;
   info.width = 40;
   info.depth = 30;
   info.bits = 24;
   int asked = 0;
   info.getLine = [&](std::span<uint8_t> row, int32_t y) {
-    EXPECT_EQ(y, asked);
     std::copy(p.rows[static_cast<size_t>(y)].begin(), p.rows[static_cast<size_t>(y)].end(),
               row.begin());
     return ++asked == 20 ? 1 : 0;
