@@ -79,12 +79,14 @@ std::optional<std::vector<uint32_t>> TiffValues(InputFile& file, const TiffDirec
   const uint32_t size = TiffTypeSize(entry.type);
   const uint32_t n = entry.count < limit ? entry.count : limit;
   if (n == 0) return std::vector<uint32_t>{};
+  const bool inline4 = uint64_t{entry.count} * size <= 4;
+  // Values said to lie beyond the end of the file are refused before anything is allocated.
+  if (!inline4 && uint64_t{entry.field} + uint64_t{n} * size > dir.fileSize) return std::nullopt;
   std::vector<uint8_t> bytes(size_t{n} * size);
-  if (uint64_t{entry.count} * size <= 4) {
+  if (inline4) {
     for (size_t k = 0; k < bytes.size(); ++k) bytes[k] = entry.raw[k];
-  } else {
-    if (uint64_t{entry.field} + bytes.size() > dir.fileSize) return std::nullopt;
-    if (!file.Seek(entry.field) || !file.ReadExact(bytes.data(), bytes.size())) return std::nullopt;
+  } else if (!file.Seek(entry.field) || !file.ReadExact(bytes.data(), bytes.size())) {
+    return std::nullopt;
   }
   std::vector<uint32_t> values(n);
   for (size_t i = 0; i < n; ++i) {
