@@ -8,6 +8,8 @@
 #include "formats/bga.h"
 #include "formats/bmp.h"
 #include "formats/clipboard.h"
+#include "formats/jpeg.h"
+#include "formats/tiff.h"
 
 namespace pxm {
 
@@ -35,7 +37,7 @@ constexpr FormatEntry kTable[kFormatCount] = {
     {kNoList, PXM_NOT_BUILT, nullptr, 24, "IMG", "(IMG) GEM/Ventura", 1, 1},
     {kNoList, PXM_NOT_BUILT, nullptr, 24, "PCX", "(PCX) PC Paintbrush", 1, 1},
     {kList5, PXM_NOT_BUILT, nullptr, 8, "GIF", "(GIF) CompuServe", 1, 261},
-    {kList5, PXM_NOT_BUILT, nullptr, 24, "TIF", "(TIF) TIFF", 1, 1},
+    {TiffList, TiffInfo, TiffRead, TiffWrite, nullptr, 24, "TIF", "(TIF) TIFF", 1, 1},
     {kNoList, PXM_NOT_BUILT, nullptr, 8, "WPG", "(WPG) WordPerfect Graphics", 1, 1},
     {kNoList, PXM_NOT_BUILT, nullptr, 24, "PIC", "(PIC) Pictor or Pegasus", 1, 1},
     {kNoList, PXM_NOT_BUILT, nullptr, 24, "TGA", "(TGA) Targa", 1, 1},
@@ -46,7 +48,7 @@ constexpr FormatEntry kTable[kFormatCount] = {
     {kNoList, PXM_NOT_BUILT, nullptr, 8, "EXE", "(EXE) Self-displaying image", 1, 1},
     {kNoList, PXM_NOT_BUILT, nullptr, 24, "TXT", "(TXT) Text files", 1, 1},
     {kNoList, PXM_NOT_BUILT, nullptr, 8, "RLE", "(RLE) Windows", 1, 1},
-    {kNoList, PXM_NOT_BUILT, nullptr, 24, "JPG", "(JPG) Jpeg", 1, 1},
+    {kNoList, JpegInfo, JpegRead, JpegWrite, nullptr, 24, "JPG", "(JPG) Jpeg", 1, 1},
     {kNoList, PXM_NOT_BUILT, nullptr, 1, "ART", "(ART) PFS:Publisher", 1, 1},
     {kList5, PXM_NOT_BUILT, nullptr, 24, "IFF", "(IFF) Amiga", 1, 1},
     {kNoList, PXM_NOT_BUILT, nullptr, 24, "RAS", "(RAS) Sun raster", 1, 1},
@@ -71,7 +73,7 @@ constexpr FormatEntry kTable[kFormatCount] = {
     {kNoList, RefuseInfo5, RefuseRead5, RefuseWrite5, nullptr, 24, "CLP", "(CLP) Windows Clipboard",
      1, 2},
     {kNoList, PXM_NOT_BUILT, nullptr, 24, "UUE", "(UUE) UUEncoded graphics", 1, 1},
-    {kNoList, PXM_NOT_BUILT, nullptr, 24, "JPE", "(JPE) Jpeg", 1, 1},
+    {kNoList, JpegInfo, JpegRead, JpegWrite, nullptr, 24, "JPE", "(JPE) Jpeg", 1, 1},
     {kNoList, PXM_NOT_BUILT, nullptr, 24, "DLL", "(DLL) Windows library", 1, 261},
     {kNoList, PXM_NOT_BUILT, nullptr, 24, "VBX", "(VBX) Windows library", 1, 261},
     {kList5, PXM_NOT_BUILT, nullptr, 24, "FTS", "(FTS) Flex. Image Transport", 1, 1},

@@ -90,6 +90,16 @@ TEST_F(PxmTest, InfoPrintsTheRecordAndFailuresTheirText) {
   EXPECT_EQ(Pxm("info nothing.xyz").status, 8);
 }
 
+TEST_F(PxmTest, InfoReportPrintsTheTiffTagListing) {
+  Picture("grey.tif", 8, 3, 2);
+  Result r = Pxm("info --report grey.tif");
+  ASSERT_EQ(r.status, 0) << r.err;
+  auto lines = r.Lines();
+  ASSERT_GT(lines.size(), 14u);
+  EXPECT_EQ(lines[12], "Number type\tIntel");
+  EXPECT_EQ(lines[13], "ImageWidth\t3");
+}
+
 TEST_F(PxmTest, ConvertNamesEachOutputAndOptionsMayFollowTheCommand) {
   Picture("One.bmp", 8);
   Picture("two.bmp", 24);

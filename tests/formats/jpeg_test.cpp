@@ -1,0 +1,135 @@
+#include "formats/jpeg.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <string>
+
+#include "config/settings.h"
+#include "core/error_codes.h"
+#include "core/strings.h"
+#include "support/picture.h"
+#include "support/programs.h"
+#include "support/temp_dir.h"
+
+namespace pxm {
+namespace {
+
+using test::Picture;
+using Codes = std::pair<int, int>;  // info, then read
+
+std::string Sample(const std::string& name) { return test::SourceDir() + "/tests/data/jpeg/" + name; }
+
+TEST(JpegInfo, SizesBitsAndColourSpaceNames) {
+  struct Case {
+    const char* file;
+    int readRgb;
+    uint32_t bits;
+    const char* description;
+  };
+  // A grey file is 8 bits even when colour files are read as RGB.
+  const Case cases[] = {{"colour.jpg", 0, 8, "YUV colour space"},
+                        {"colour.jpg", 1, 24, "YUV colour space"},
+                        {"progressive.jpg", 1, 24, "YUV colour space"},
+                        {"grey.jpg", 0, 8, "Monochrome colour space"},
+                        {"grey.jpg", 1, 8, "Monochrome colour space"}};
+  for (const Case& c : cases) {
+    SCOPED_TRACE(testing::Message() << c.file << " ReadJpegRgb " << c.readRgb);
+    ScopedSettings settings;
+    settings->ReadJpegRgb = c.readRgb;
+    ImageInfo info;
+    info.background = 7;
+    info.description = "old";
+    ASSERT_EQ(JpegInfo(info, Sample(c.file), 0), kOk);
+    EXPECT_EQ(info.fileName, c.file);
+    EXPECT_EQ(info.description, c.description);
+    EXPECT_EQ(info.width, 21u);
+    EXPECT_EQ(info.depth, 13);
+    EXPECT_EQ(info.bits, c.bits);
+    EXPECT_EQ(info.background, 0u);
+    EXPECT_EQ(info.fileSize, static_cast<int32_t>(std::filesystem::file_size(Sample(c.file))));
+    EXPECT_EQ(info.unpackedSize, 3u * c.bits * 13u);
+    EXPECT_EQ(info.palette[200], (Rgb{200, 200, 200}));
+  }
+}
+
+TEST(JpegRead, TruncatedDamagedAndMissingFiles) {
+  test::TempDir dir;
+  const std::string whole = test::ReadFileBytes(Sample("colour.jpg"));
+  auto codes = [&](const std::string& bytes) {
+    test::WriteFileBytes(dir / "x.jpg", bytes);
+    Picture p;
+    ImageInfo info;
+    const int read = test::ReadPicture(dir / "x.jpg", p, nullptr, &info);
+    return Codes(JpegInfo(info, dir / "x.jpg", 0), read);
+  };
+  // Every fatal condition is "Memory error", the end of the data included.
+  EXPECT_EQ(codes(whole.substr(0, whole.size() - 40)), Codes(kOk, kMemoryError));
+  EXPECT_EQ(codes(whole.substr(0, 100)), Codes(kMemoryError, kMemoryError));
+  EXPECT_EQ(codes("GIF89a"), Codes(kMemoryError, kMemoryError));
+  EXPECT_EQ(codes(""), Codes(kMemoryError, kMemoryError));
+  EXPECT_EQ(ErrorText(kMemoryError), "Memory error");
+  // A 12-bit file cannot be decoded by the 8-bit library.
+  std::string twelve = whole;
+  const size_t sof = twelve.find("\xFF\xC0");
+  ASSERT_NE(sof, std::string::npos);
+  twelve[sof + 4] = 12;
+  EXPECT_EQ(codes(twelve).first, kMemoryError);
+
+  ImageInfo info;
+  EXPECT_EQ(JpegInfo(info, dir / "missing.jpg", 0), kOpenError);
+  EXPECT_EQ(JpegRead(info, dir / "missing.jpg"), kOpenError);
+}
+
+// Pixels are compared with djpeg's in the oracle tests; here the shape of what is delivered.
+TEST(JpegRead, GreyStaysGreyAndTheSinkCanStop) {
+  for (int rgb : {0, 1}) {
+    ScopedSettings settings;
+    settings->ReadJpegRgb = rgb;
+    Picture grey;
+    ASSERT_EQ(test::ReadPicture(Sample("grey.jpg"), grey), kOk);
+    EXPECT_EQ(grey.bits, 8u);
+    for (const Rgb& c : test::Colours(grey)) ASSERT_TRUE(c.red == c.green && c.green == c.blue);
+  }
+  ImageInfo info;
+  ASSERT_EQ(JpegInfo(info, Sample("progressive.jpg"), 0), kOk);
+  int rows = 0;
+  info.putLine = [&](std::span<uint8_t>, int32_t y) {
+    EXPECT_EQ(y, rows);
+    return ++rows == 4 ? 1 : 0;
+  };
+  EXPECT_EQ(JpegRead(info, Sample("progressive.jpg")), kCancelled);
+  EXPECT_EQ(rows, 4);
+}
+
+TEST(JpegWrite, OneBitPicturesBecomeColourFiles) {
+  test::TempDir dir;
+  ScopedSettings settings;
+  settings->ReadJpegRgb = 1;
+  ASSERT_EQ(test::WritePicture(test::Pattern(17, 3, 1), dir / "a.jpe"), kOk);
+  ImageInfo info;
+  ASSERT_EQ(JpegInfo(info, dir / "a.jpe", 0), kOk);
+  EXPECT_EQ(info.description, "YUV colour space");
+  EXPECT_EQ(info.bits, 24u);
+}
+
+TEST(JpegWrite, ACancelLeavesNothing) {
+  test::TempDir dir;
+  const Picture p = test::Pattern(40, 30, 24);
+  ImageInfo info;
+  info.width = 40;
+  info.depth = 30;
+  info.bits = 24;
+  int asked = 0;
+  info.getLine = [&](std::span<uint8_t> row, int32_t y) {
+    std::copy(p.rows[static_cast<size_t>(y)].begin(), p.rows[static_cast<size_t>(y)].end(),
+              row.begin());
+    return ++asked == 20 ? 1 : 0;
+  };
+  EXPECT_EQ(JpegWrite(info, dir / "c.jpg"), kCancelled);
+  EXPECT_FALSE(std::filesystem::exists(dir / "c.jpg"));
+  EXPECT_EQ(JpegWrite(info, dir / "no/such/dir/c.jpg"), kCreateError);
+}
+
+}  // namespace
+}  // namespace pxm
