@@ -80,10 +80,11 @@ bool InputFile::Refill() {
 
 size_t InputFile::Read(void* out, size_t n) {
   if (fd_ < 0) return 0;
+  if (n == 0) return 0;
   auto* dst = static_cast<uint8_t*>(out);
   size_t done = 0;
   size_t buffered = std::min(n, end_ - pos_);
-  std::memcpy(dst, buffer_.data() + pos_, buffered);
+  if (buffered) std::memcpy(dst, buffer_.data() + pos_, buffered);
   pos_ += buffered;
   done += buffered;
   if (done == n) return done;
