@@ -8,6 +8,7 @@
 #include "formats/bga.h"
 #include "formats/bmp.h"
 #include "formats/clipboard.h"
+#include "formats/targa.h"
 
 namespace pxm {
 
@@ -38,7 +39,7 @@ constexpr FormatEntry kTable[kFormatCount] = {
     {kList5, PXM_NOT_BUILT, nullptr, 24, "TIF", "(TIF) TIFF", 1, 1},
     {kNoList, PXM_NOT_BUILT, nullptr, 8, "WPG", "(WPG) WordPerfect Graphics", 1, 1},
     {kNoList, PXM_NOT_BUILT, nullptr, 24, "PIC", "(PIC) Pictor or Pegasus", 1, 1},
-    {kNoList, PXM_NOT_BUILT, nullptr, 24, "TGA", "(TGA) Targa", 1, 1},
+    {kNoList, TargaInfo, TargaRead, TargaWrite, nullptr, 24, "TGA", "(TGA) Targa", 1, 1},
     {kNoList, PXM_NOT_BUILT, nullptr, 8, "CUT", "(CUT) Dr. Halo", 1, 1},
     {kNoList, BmpInfo, BmpRead, BmpWrite, nullptr, 24, "BMP", "(BMP) Windows", 1, 1},
     {kNoList, PXM_NOT_BUILT, nullptr, 1, "MSP", "(MSP) Microsoft Paint", 1, 1},
