@@ -8,6 +8,7 @@
 #include "formats/bga.h"
 #include "formats/bmp.h"
 #include "formats/clipboard.h"
+#include "formats/sun_raster.h"
 #include "formats/targa.h"
 
 namespace pxm {
@@ -50,7 +51,7 @@ constexpr FormatEntry kTable[kFormatCount] = {
     {kNoList, PXM_NOT_BUILT, nullptr, 24, "JPG", "(JPG) Jpeg", 1, 1},
     {kNoList, PXM_NOT_BUILT, nullptr, 1, "ART", "(ART) PFS:Publisher", 1, 1},
     {kList5, PXM_NOT_BUILT, nullptr, 24, "IFF", "(IFF) Amiga", 1, 1},
-    {kNoList, PXM_NOT_BUILT, nullptr, 24, "RAS", "(RAS) Sun raster", 1, 1},
+    {kNoList, SunInfo, SunRead, SunWrite, nullptr, 24, "RAS", "(RAS) Sun raster", 1, 1},
     {kNoList, PXM_NOT_BUILT, nullptr, 24, "HRZ", "(HRZ) SSTV", 1, 1},
     {kNoList, BmpInfo, BmpRead, BmpWrite, nullptr, 24, "DIB", "(DIB) Windows", 1, 1},
     {kNoList, PXM_NOT_BUILT, nullptr, 8, "ICO", "(ICO) Windows icon", 1, 1},
