@@ -8,6 +8,7 @@
 #include "formats/bga.h"
 #include "formats/bmp.h"
 #include "formats/clipboard.h"
+#include "formats/fits.h"
 #include "formats/sun_raster.h"
 #include "formats/targa.h"
 
@@ -59,7 +60,7 @@ constexpr FormatEntry kTable[kFormatCount] = {
      1, 1053},
     {kNoList, RefuseInfo8, RefuseRead8, ClipboardWrite, nullptr, 24, "CBD", "(CDB) Clipboard", 1, 35},
     {kList5, PXM_NOT_BUILT, nullptr, 24, "CPT", "(CPT) Corel PhotoPAINT", 1, 129},
-    {kList5, PXM_NOT_BUILT, nullptr, 24, "FIT", "(FIT) Flex. Image Transport", 1, 1},
+    {FitsList, FitsInfo, FitsRead, FitsWrite, nullptr, 24, "FIT", "(FIT) Flex. Image Transport", 1, 1},
     {kList5, PXM_NOT_BUILT, nullptr, 24, "CDR", "(CDR) Corel Draw Preview", 1, 261},
     {kNoList, BgaInfo, BgaRead, BgaWrite, nullptr, 24, "BGA", "(BGA) OS/2 Warp", 1, 261},
     {kList5, PXM_NOT_BUILT, nullptr, 24, "PNG", "(PNG) Portable Netwk Grphcs", 1, 1},
@@ -76,7 +77,7 @@ constexpr FormatEntry kTable[kFormatCount] = {
     {kNoList, PXM_NOT_BUILT, nullptr, 24, "JPE", "(JPE) Jpeg", 1, 1},
     {kNoList, PXM_NOT_BUILT, nullptr, 24, "DLL", "(DLL) Windows library", 1, 261},
     {kNoList, PXM_NOT_BUILT, nullptr, 24, "VBX", "(VBX) Windows library", 1, 261},
-    {kList5, PXM_NOT_BUILT, nullptr, 24, "FTS", "(FTS) Flex. Image Transport", 1, 1},
+    {FitsList, FitsInfo, FitsRead, FitsWrite, nullptr, 24, "FTS", "(FTS) Flex. Image Transport", 1, 1},
     {kNoList, nullptr, nullptr, nullptr, nullptr, 0, "", "", 0, 0},
 };
 
