@@ -9,6 +9,7 @@
 #include "formats/bmp.h"
 #include "formats/clipboard.h"
 #include "formats/fits.h"
+#include "formats/iff.h"
 #include "formats/sun_raster.h"
 #include "formats/targa.h"
 
@@ -45,13 +46,13 @@ constexpr FormatEntry kTable[kFormatCount] = {
     {kNoList, PXM_NOT_BUILT, nullptr, 8, "CUT", "(CUT) Dr. Halo", 1, 1},
     {kNoList, BmpInfo, BmpRead, BmpWrite, nullptr, 24, "BMP", "(BMP) Windows", 1, 1},
     {kNoList, PXM_NOT_BUILT, nullptr, 1, "MSP", "(MSP) Microsoft Paint", 1, 1},
-    {kList5, PXM_NOT_BUILT, nullptr, 8, "LBM", "(LBM) Amiga", 1, 1},
+    {IffList, IffInfo, IffRead, IffWrite, nullptr, 8, "LBM", "(LBM) Amiga", 1, 1},
     {kNoList, PXM_NOT_BUILT, nullptr, 8, "EXE", "(EXE) Self-displaying image", 1, 1},
     {kNoList, PXM_NOT_BUILT, nullptr, 24, "TXT", "(TXT) Text files", 1, 1},
     {kNoList, PXM_NOT_BUILT, nullptr, 8, "RLE", "(RLE) Windows", 1, 1},
     {kNoList, PXM_NOT_BUILT, nullptr, 24, "JPG", "(JPG) Jpeg", 1, 1},
     {kNoList, PXM_NOT_BUILT, nullptr, 1, "ART", "(ART) PFS:Publisher", 1, 1},
-    {kList5, PXM_NOT_BUILT, nullptr, 24, "IFF", "(IFF) Amiga", 1, 1},
+    {IffList, IffInfo, IffRead, IffWrite, nullptr, 24, "IFF", "(IFF) Amiga", 1, 1},
     {kNoList, SunInfo, SunRead, SunWrite, nullptr, 24, "RAS", "(RAS) Sun raster", 1, 1},
     {kNoList, PXM_NOT_BUILT, nullptr, 24, "HRZ", "(HRZ) SSTV", 1, 1},
     {kNoList, BmpInfo, BmpRead, BmpWrite, nullptr, 24, "DIB", "(DIB) Windows", 1, 1},
