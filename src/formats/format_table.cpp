@@ -12,6 +12,7 @@
 #include "formats/iff.h"
 #include "formats/sun_raster.h"
 #include "formats/targa.h"
+#include "formats/uue.h"
 
 namespace pxm {
 
@@ -74,7 +75,7 @@ constexpr FormatEntry kTable[kFormatCount] = {
      1, 2},
     {kNoList, RefuseInfo5, RefuseRead5, RefuseWrite5, nullptr, 24, "CLP", "(CLP) Windows Clipboard",
      1, 2},
-    {kNoList, PXM_NOT_BUILT, nullptr, 24, "UUE", "(UUE) UUEncoded graphics", 1, 1},
+    {kNoList, UueInfo, UueRead, RefuseWrite5, nullptr, 24, "UUE", "(UUE) UUEncoded graphics", 1, 1},
     {kNoList, PXM_NOT_BUILT, nullptr, 24, "JPE", "(JPE) Jpeg", 1, 1},
     {kNoList, PXM_NOT_BUILT, nullptr, 24, "DLL", "(DLL) Windows library", 1, 261},
     {kNoList, PXM_NOT_BUILT, nullptr, 24, "VBX", "(VBX) Windows library", 1, 261},

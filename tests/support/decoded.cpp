@@ -57,4 +57,21 @@ std::vector<uint8_t> Bytes(const std::string& text) {
   return std::vector<uint8_t>(text.begin(), text.end());
 }
 
+std::vector<std::string> UuencodeLines(const std::string& bytes) {
+  auto c = [](uint32_t v) { return static_cast<char>(v == 0 ? '`' : v + 32); };
+  std::vector<std::string> lines;
+  for (size_t at = 0; at < bytes.size(); at += 45) {
+    const std::string part = bytes.substr(at, 45);
+    std::string line(1, c(static_cast<uint32_t>(part.size())));
+    for (size_t g = 0; g < part.size(); g += 3) {
+      uint32_t v = 0;
+      for (size_t k = 0; k < 3; ++k)
+        v = v << 8 | (g + k < part.size() ? static_cast<uint8_t>(part[g + k]) : 0u);
+      line += {c(v >> 18), c((v >> 12) & 63), c((v >> 6) & 63), c(v & 63)};
+    }
+    lines.push_back(line);
+  }
+  return lines;
+}
+
 }  // namespace pxm::test

@@ -35,5 +35,8 @@ std::string Raw(std::initializer_list<int> bytes);
 std::string Le(uint32_t value, int bytes);
 std::string Be(uint32_t value, int bytes);
 std::vector<uint8_t> Bytes(const std::string& text);
+// Data lines of up to 45 bytes each as uuencode writes them, "`" standing for zero sixbits; no
+// line ends.
+std::vector<std::string> UuencodeLines(const std::string& bytes);
 
 }  // namespace pxm::test
