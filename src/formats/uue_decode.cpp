@@ -100,34 +100,29 @@ class Decoder {
 
  private:
   int Put(const std::string& line) {
-    bytes_.clear();
-    DecodeUueLine(line, bytes_);
-    return out_.Write(bytes_.data(), bytes_.size()) ? kOk : kWriteError;
+    const size_t n = DecodeUueLine(line, bytes_);
+    return out_.Write(bytes_, n) ? kOk : kWriteError;
   }
 
   Host& host_;
   OutputFile& out_;
-  std::vector<uint8_t> bytes_;
+  uint8_t bytes_[kMaxUueLineBytes];
 };
 
 }  // namespace
 
-void DecodeUueLine(std::string line, std::vector<uint8_t>& out) {
-  if (line.empty()) return;
+size_t DecodeUueLine(std::string_view line, uint8_t* out) {
+  if (line.empty()) return 0;
   const uint32_t count = Sixbits(line[0]);
-  const size_t length = 1 + UueLineLength(count);
-  if (line.size() < length) line.resize(length, ' ');
-  uint32_t left = count;
-  for (size_t g = 1; left > 0; g += 4) {
-    const uint32_t p = Sixbits(line[g]), q = Sixbits(line[g + 1]), r = Sixbits(line[g + 2]),
-                   s = Sixbits(line[g + 3]);
-    const uint8_t bytes[3] = {static_cast<uint8_t>(p * 4 + q / 16),
-                              static_cast<uint8_t>((q & 15) * 16 + r / 4),
-                              static_cast<uint8_t>((r & 3) * 64 + s)};
-    const uint32_t n = left < 3 ? left : 3;
-    out.insert(out.end(), bytes, bytes + n);
-    left -= n;
+  auto at = [&line](size_t i) { return i < line.size() ? Sixbits(line[i]) : 0u; };
+  size_t n = 0;
+  for (size_t g = 1; n < count; g += 4) {
+    const uint32_t p = at(g), q = at(g + 1), r = at(g + 2), s = at(g + 3);
+    out[n++] = static_cast<uint8_t>(p * 4 + q / 16);
+    if (n < count) out[n++] = static_cast<uint8_t>((q & 15) * 16 + r / 4);
+    if (n < count) out[n++] = static_cast<uint8_t>((r & 3) * 64 + s);
   }
+  return n;
 }
 
 int DecodeUueFile(const std::string& path, Host& host, bool relaxed, UueDecoded& out) {

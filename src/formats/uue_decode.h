@@ -11,11 +11,12 @@
 // the bytes they carry, and an END line; a file may be split over several parts.
 namespace pxm {
 
-// Appends the bytes of one data line. The count is (first character - 32) AND 63; every group
-// of four characters makes three bytes, of which the last group gives only as many as the
-// count still asks for. A line shorter than its count needs is taken as padded with spaces, so
-// stripped trailing spaces decode as zeros.
-void DecodeUueLine(std::string line, std::vector<uint8_t>& out);
+// The bytes of one data line, into `out` (room for 63 bytes); answers how many. The count is
+// (first character - 32) AND 63; every group of four characters makes three bytes, of which the
+// last group gives only as many as the count still asks for. A line shorter than its count
+// needs is taken as padded with spaces, so stripped trailing spaces decode as zeros.
+size_t DecodeUueLine(std::string_view line, uint8_t* out);
+constexpr size_t kMaxUueLineBytes = 63;
 
 // The characters a data line of `count` bytes has after its count character.
 constexpr size_t UueLineLength(uint32_t count) { return (count + 2) / 3 * 4; }

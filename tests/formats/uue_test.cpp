@@ -36,10 +36,9 @@ std::string Tga(const test::TempDir& dir, const Picture& p) {
   return test::ReadFileBytes(dir / "src.tga");
 }
 
-Bytes Decode(std::string line) {
-  Bytes out;
-  DecodeUueLine(std::move(line), out);
-  return out;
+Bytes Decode(const std::string& line) {
+  uint8_t out[kMaxUueLineBytes];
+  return Bytes(out, out + DecodeUueLine(line, out));
 }
 
 int DecodeText(const test::TempDir& dir, const std::string& text, bool relaxed, std::string& bytes,
