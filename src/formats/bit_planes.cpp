@@ -29,7 +29,8 @@ void StoreBytes(uint64_t v, uint8_t* out) {
 // Bit p of eight values packed into one plane byte, the first value in bit 7: the multiply
 // moves bit 8k of the masked word to bit 63-k, and no two products meet.
 uint8_t PlaneByte(uint64_t values, uint32_t p) {
-  return static_cast<uint8_t>((((values >> p) & 0x0101010101010101ull) * 0x8040201008040201ull) >> 56);
+  return static_cast<uint8_t>((((values >> p) & 0x0101010101010101ull) * 0x8040201008040201ull) >>
+                              56);
 }
 
 uint64_t LoadBytes(const uint8_t* values, uint32_t count, size_t stride) {
@@ -43,7 +44,8 @@ uint64_t LoadBytes(const uint8_t* values, uint32_t count, size_t stride) {
 void PlanesToBytes(const uint8_t* line, size_t planeBytes, uint32_t planes, uint32_t width,
                    uint8_t* out) {
   const uint32_t count = planes > 8 ? 8 : planes;
-  for (size_t c = 0; c * 8 < width; ++c) StoreBytes(Gather(line, planeBytes, 0, count, c), out + 8 * c);
+  for (size_t c = 0; c * 8 < width; ++c)
+    StoreBytes(Gather(line, planeBytes, 0, count, c), out + 8 * c);
 }
 
 void PlanesToNibbles(const uint8_t* line, size_t planeBytes, uint32_t planes, uint32_t width,
@@ -52,7 +54,8 @@ void PlanesToNibbles(const uint8_t* line, size_t planeBytes, uint32_t planes, ui
   for (size_t c = 0; c * 8 < width; ++c) {
     const uint64_t v = Gather(line, planeBytes, 0, count, c);
     for (int k = 0; k < 4; ++k)
-      out[4 * c + k] = static_cast<uint8_t>(((v >> (16 * k)) & 0x0F) << 4 | ((v >> (16 * k + 8)) & 0x0F));
+      out[4 * c + k] =
+          static_cast<uint8_t>(((v >> (16 * k)) & 0x0F) << 4 | ((v >> (16 * k + 8)) & 0x0F));
   }
 }
 

@@ -46,12 +46,18 @@ Header ReadHeader(InputFile& in) {
       h.ended = true;
       break;
     }
-    if (card.keyword == "NAXIS") h.axes = FitsInteger(card.value);
-    else if (card.keyword == "NAXIS1") h.width = FitsInteger(card.value);
-    else if (card.keyword == "NAXIS2") h.depth = FitsInteger(card.value);
-    else if (card.keyword == "BITPIX") h.sampleBits = AbsoluteBits(FitsInteger(card.value));
-    else if (card.keyword == "BZERO") h.zero = FitsReal(card.value, 0.0);
-    else if (card.keyword == "BSCALE") h.scale = FitsReal(card.value, 1.0);
+    if (card.keyword == "NAXIS")
+      h.axes = FitsInteger(card.value);
+    else if (card.keyword == "NAXIS1")
+      h.width = FitsInteger(card.value);
+    else if (card.keyword == "NAXIS2")
+      h.depth = FitsInteger(card.value);
+    else if (card.keyword == "BITPIX")
+      h.sampleBits = AbsoluteBits(FitsInteger(card.value));
+    else if (card.keyword == "BZERO")
+      h.zero = FitsReal(card.value, 0.0);
+    else if (card.keyword == "BSCALE")
+      h.scale = FitsReal(card.value, 1.0);
   }
   return h;
 }
@@ -61,7 +67,9 @@ uint64_t NextBlock(uint64_t offset) {
 }
 
 // The row as the reader takes it from the file: |BITPIX| div 8 bytes a pixel.
-uint64_t RowLength(uint64_t width, uint32_t sampleBits) { return width * (sampleBits / 8); }
+uint64_t RowLength(uint64_t width, uint32_t sampleBits) {
+  return width * (sampleBits / 8);
+}
 
 // A value becomes a pixel by truncation to a 32-bit integer, keeping its low byte; a value out
 // of that range gives the integer's "indefinite" value, whose low byte is 0.
@@ -161,8 +169,8 @@ int FitsInfo(ImageInfo& info, const std::string& path, int /*purpose*/) {
   info.depth = static_cast<int32_t>(h.depth);
   info.bits = h.sampleBits <= 7 ? h.sampleBits : 8;
   info.unpackedSize = UnpackedSize(info.width, info.bits, info.depth);
-  info.description = FormatText("%u axis - %u bits of grey", static_cast<unsigned>(h.axes),
-                                h.sampleBits);
+  info.description =
+      FormatText("%u axis - %u bits of grey", static_cast<unsigned>(h.axes), h.sampleBits);
   info.palette[0] = Rgb{0, 0, 0};
   info.palette[1] = Rgb{255, 255, 255};
   if (info.bits == 8)
@@ -206,15 +214,14 @@ int FitsWrite(ImageInfo& info, const std::string& path) {
   }
 
   // DATAMAX reads "255.0000000E+00", as files from this program always have.
-  std::string header = FormatFitsCard("SIMPLE", "T") + FormatFitsCard("BITPIX", "8") +
-                       FormatFitsCard("NAXIS", "2") +
-                       FormatFitsCard("NAXIS1", std::to_string(width)) +
-                       FormatFitsCard("NAXIS2", std::to_string(depth)) +
-                       FormatFitsCard("ORIGIN", std::string(kFileSignature)) +
-                       FormatFitsCard("BSCALE", "1.0000000E+00") +
-                       FormatFitsCard("BZERO", "0.0000000E+00") +
-                       FormatFitsCard("DATAMIN", "0.0000000E+00") +
-                       FormatFitsCard("DATAMAX", "255.0000000E+00") + FormatFitsEndCard();
+  std::string header =
+      FormatFitsCard("SIMPLE", "T") + FormatFitsCard("BITPIX", "8") + FormatFitsCard("NAXIS", "2") +
+      FormatFitsCard("NAXIS1", std::to_string(width)) +
+      FormatFitsCard("NAXIS2", std::to_string(depth)) +
+      FormatFitsCard("ORIGIN", std::string(kFileSignature)) +
+      FormatFitsCard("BSCALE", "1.0000000E+00") + FormatFitsCard("BZERO", "0.0000000E+00") +
+      FormatFitsCard("DATAMIN", "0.0000000E+00") + FormatFitsCard("DATAMAX", "255.0000000E+00") +
+      FormatFitsEndCard();
   while (header.size() < kFitsBlockBytes) header += std::string(kFitsCardBytes, ' ');
   if (!out.Write(header.data(), header.size())) return kWriteError;
 

@@ -51,7 +51,9 @@ enum ReportString : int {
   kStrText = 1116,
 };
 
-bool Is(const uint8_t* id, const char* name) { return std::memcmp(id, name, 4) == 0; }
+bool Is(const uint8_t* id, const char* name) {
+  return std::memcmp(id, name, 4) == 0;
+}
 
 struct Chunk {
   uint8_t id[4] = {};
@@ -100,7 +102,9 @@ Bitmap ParseBmhd(const uint8_t* b, bool pbm) {
 }
 
 // Pictures of more than eight planes are held as 24-bit ones.
-uint32_t RecordBits(uint32_t planes) { return planes <= 8 ? planes : 24; }
+uint32_t RecordBits(uint32_t planes) {
+  return planes <= 8 ? planes : 24;
+}
 
 // The least the body can take: every byte of every line, or with ByteRun1 one two-byte code for
 // each 128 bytes of a line.
@@ -127,19 +131,21 @@ int ReadBody(ImageInfo& info, InputFile& in, const Bitmap& bm) {
   const uint64_t line = bm.LineLength();
   // The line buffer also takes what a code makes past the line, and the 24 planes the deep
   // conversion reads whatever the line holds; the row buffer takes whole groups of 8 pixels.
-  const uint64_t lineSize = std::max({line, 24 * uint64_t{bm.PlaneBytes()}, uint64_t{bm.width}}) +
-                            kByteRun1Overrun;
-  const uint64_t rowSize =
-      std::max(WorkingRowSize(bm.width, bits), 24 * uint64_t{bm.PlaneBytes()});
+  const uint64_t lineSize =
+      std::max({line, 24 * uint64_t{bm.PlaneBytes()}, uint64_t{bm.width}}) + kByteRun1Overrun;
+  const uint64_t rowSize = std::max(WorkingRowSize(bm.width, bits), 24 * uint64_t{bm.PlaneBytes()});
   const auto fill = static_cast<uint8_t>(info.background);
   std::vector<uint8_t> raw(static_cast<size_t>(lineSize), fill);
   std::vector<uint8_t> row(static_cast<size_t>(rowSize), fill);
 
   // 1 bit and chunky 5-8-bit lines are the store's rows as they stand.
   RowConvert convert = nullptr;
-  if (bits >= 2 && bits <= 4) convert = ConvertNibbles;
-  else if (bits >= 5 && bits <= 8 && !bm.pbm) convert = ConvertBytes;
-  else if (bits > 8) convert = ConvertRgb;
+  if (bits >= 2 && bits <= 4)
+    convert = ConvertNibbles;
+  else if (bits >= 5 && bits <= 8 && !bm.pbm)
+    convert = ConvertBytes;
+  else if (bits > 8)
+    convert = ConvertRgb;
   std::span<uint8_t> out = convert ? std::span<uint8_t>(row) : std::span<uint8_t>(raw);
 
   for (int32_t y = 0; y < bm.depth; ++y) {
@@ -174,20 +180,26 @@ bool IsTextChunk(const uint8_t* id) {
 }
 
 void ReportBmhd(const uint8_t* b, std::vector<std::string>& lines) {
-  const unsigned values[] = {
-      LoadBe16(b + kBmhdWidth),       LoadBe16(b + kBmhdHeight),
-      LoadBe16(b + kBmhdX),           LoadBe16(b + kBmhdY),
-      b[kBmhdPlanes],                 b[kBmhdMasking],
-      b[kBmhdCompression],            b[kBmhdPad],
-      LoadBe16(b + kBmhdTransparent), b[kBmhdXAspect],
-      b[kBmhdYAspect],                LoadBe16(b + kBmhdPageWidth),
-      LoadBe16(b + kBmhdPageHeight)};
+  const unsigned values[] = {LoadBe16(b + kBmhdWidth),
+                             LoadBe16(b + kBmhdHeight),
+                             LoadBe16(b + kBmhdX),
+                             LoadBe16(b + kBmhdY),
+                             b[kBmhdPlanes],
+                             b[kBmhdMasking],
+                             b[kBmhdCompression],
+                             b[kBmhdPad],
+                             LoadBe16(b + kBmhdTransparent),
+                             b[kBmhdXAspect],
+                             b[kBmhdYAspect],
+                             LoadBe16(b + kBmhdPageWidth),
+                             LoadBe16(b + kBmhdPageHeight)};
   for (size_t i = 0; i < std::size(values); ++i) {
     unsigned v = values[i];
     // The origin words are signed.
     const int id = kStrBmhdFirst + static_cast<int>(i);
-    std::string text = (i == 2 || i == 3) ? FormatText(LoadMessage(id).data(), int{static_cast<int16_t>(v)})
-                                          : FormatText(LoadMessage(id).data(), v);
+    std::string text = (i == 2 || i == 3)
+                           ? FormatText(LoadMessage(id).data(), int{static_cast<int16_t>(v)})
+                           : FormatText(LoadMessage(id).data(), v);
     AddListLine(lines, "  " + text);
   }
 }
@@ -223,7 +235,8 @@ int IffInfo(ImageInfo& info, const std::string& path, int /*purpose*/) {
       uint8_t map[kPaletteBytes] = {};
       const uint64_t n = std::min(c.length, kPaletteBytes);
       if (!in.ReadExact(map, static_cast<size_t>(n))) return kReadError;
-      for (size_t i = 0; i < n / 3; ++i) info.palette[i] = Rgb{map[3 * i], map[3 * i + 1], map[3 * i + 2]};
+      for (size_t i = 0; i < n / 3; ++i)
+        info.palette[i] = Rgb{map[3 * i], map[3 * i + 1], map[3 * i + 2]};
       if (n % 3) {
         // A part entry keeps the colours it has.
         Rgb& e = info.palette[n / 3];
@@ -358,7 +371,8 @@ int IffWrite(ImageInfo& info, const std::string& path) {
       ok = WritePlaneRow(out, row.data(), width, compressed, coded);
     } else {
       if (bits <= 4) {
-        for (uint32_t x = 0; x < width; ++x) values[x] = static_cast<uint8_t>(PixelAt(row.data(), x, 4));
+        for (uint32_t x = 0; x < width; ++x)
+          values[x] = static_cast<uint8_t>(PixelAt(row.data(), x, 4));
         BytesToPlanes(values.data(), width, planes, planeBytes, line.data());
       } else if (bits <= 8) {
         BytesToPlanes(row.data(), width, planes, planeBytes, line.data());
@@ -390,7 +404,8 @@ int IffList(ImageInfo& /*info*/, const std::string& path, std::vector<std::strin
   if (!Is(h, "FORM") && !Is(h, "LIST") && !Is(h, "CAT ")) return kCorruptedFile;
   AddListLine(lines, FormatText(LoadMessage(kStrChunk).data(), Printable(h, 4).c_str(),
                                 static_cast<unsigned>(LoadBe32(h + 4))));
-  AddListLine(lines, "  " + FormatText(LoadMessage(kStrFormType).data(), Printable(h + 8, 4).c_str()));
+  AddListLine(lines,
+              "  " + FormatText(LoadMessage(kStrFormType).data(), Printable(h + 8, 4).c_str()));
   Chunk c;
   while (lines.size() < kMaxListLines && ReadChunk(in, c)) {
     AddListLine(lines, FormatText(LoadMessage(kStrChunk).data(), Printable(c.id, 4).c_str(),
@@ -402,8 +417,10 @@ int IffList(ImageInfo& /*info*/, const std::string& path, std::vector<std::strin
       AddListLine(lines, "  " + FormatText(LoadMessage(kStrColourMap).data(),
                                            static_cast<unsigned>(c.rawLength / 3)));
     } else if (IsTextChunk(c.id)) {
-      const size_t n = in.Read(data, static_cast<size_t>(std::min<uint64_t>(c.rawLength, sizeof data)));
-      AddListLine(lines, "  " + FormatText(LoadMessage(kStrText).data(), Printable(data, n).c_str()));
+      const size_t n =
+          in.Read(data, static_cast<size_t>(std::min<uint64_t>(c.rawLength, sizeof data)));
+      AddListLine(lines,
+                  "  " + FormatText(LoadMessage(kStrText).data(), Printable(data, n).c_str()));
     }
     if (!in.Seek(c.dataStart + c.length)) break;
   }

@@ -55,22 +55,32 @@ bool ParseHeader(const uint8_t* h, Header& out) {
 }
 
 // Depths whose rows have a layout: 1 to 8 bits (a byte a pixel from 2 up), 24 and 32.
-bool KnownDepth(uint32_t d) { return (d >= 1 && d <= 8) || d == 24 || d == 32; }
+bool KnownDepth(uint32_t d) {
+  return (d >= 1 && d <= 8) || d == 24 || d == 32;
+}
 
-uint32_t RecordBits(uint32_t fileDepth) { return fileDepth < 24 ? fileDepth : 24; }
+uint32_t RecordBits(uint32_t fileDepth) {
+  return fileDepth < 24 ? fileDepth : 24;
+}
 
 // Bytes of one file row: rows are padded to an even length, except 32-bit rows, which are
 // taken as they come.
 uint64_t FileRowBytes(uint32_t width, uint32_t fileDepth) {
   uint64_t n;
-  if (fileDepth == 1) n = (uint64_t{width} + 7) / 8;
-  else if (fileDepth == 24) n = 3 * uint64_t{width};
-  else if (fileDepth == 32) return 4 * uint64_t{width};
-  else n = width;
+  if (fileDepth == 1)
+    n = (uint64_t{width} + 7) / 8;
+  else if (fileDepth == 24)
+    n = 3 * uint64_t{width};
+  else if (fileDepth == 32)
+    return 4 * uint64_t{width};
+  else
+    n = width;
   return n + (n & 1);
 }
 
-bool RunLength(uint32_t type) { return type == kTypeRunLength || type == kTypeRgb; }
+bool RunLength(uint32_t type) {
+  return type == kTypeRunLength || type == kTypeRgb;
+}
 
 // Decodes one row of run-length data. A run that passes the end of the row is cut there and the
 // rest of it dropped: the next row starts with a fresh code.
@@ -115,7 +125,8 @@ void SpreadThirtyTwo(uint8_t* row, uint32_t width) {
 
 int ReadRows(ImageInfo& info, InputFile& in, const Header& h) {
   const uint64_t rowBytes = FileRowBytes(h.width, h.fileDepth);
-  const uint64_t size = std::max({WorkingRowSize(h.width, info.bits), rowBytes, 4 * uint64_t{h.width}});
+  const uint64_t size =
+      std::max({WorkingRowSize(h.width, info.bits), rowBytes, 4 * uint64_t{h.width}});
   std::vector<uint8_t> row(static_cast<size_t>(size), static_cast<uint8_t>(info.background));
   const bool runLength = RunLength(h.type);
   const bool invert = h.fileDepth == 1;
@@ -179,15 +190,24 @@ int SunInfo(ImageInfo& info, const std::string& path, int /*purpose*/) {
     const size_t n = std::min<size_t>(h.mapLength / 3, 256);
     uint8_t planes[3][256] = {};
     for (auto& plane : planes) in.Read(plane, n);
-    for (size_t i = 0; i < 256; ++i) info.palette[i] = Rgb{planes[0][i], planes[1][i], planes[2][i]};
+    for (size_t i = 0; i < 256; ++i)
+      info.palette[i] = Rgb{planes[0][i], planes[1][i], planes[2][i]};
   }
 
   switch (h.type) {
     case 0:
-    case kTypeStandard: info.description = "Uncompressed bitmap"; break;
-    case kTypeRunLength: info.description = "Run length compressed bitmap"; break;
-    case kTypeRgb: info.description = "RGB bitmap"; break;
-    default: info.description = "Unsupported compression type"; break;
+    case kTypeStandard:
+      info.description = "Uncompressed bitmap";
+      break;
+    case kTypeRunLength:
+      info.description = "Run length compressed bitmap";
+      break;
+    case kTypeRgb:
+      info.description = "RGB bitmap";
+      break;
+    default:
+      info.description = "Unsupported compression type";
+      break;
   }
   return kOk;
 }
@@ -258,7 +278,8 @@ int SunWrite(ImageInfo& info, const std::string& path) {
   for (int32_t y = 0; y < depth; ++y) {
     if (info.getLine(row, y) != 0) return kCancelled;
     if (mapped && bits <= 4) {
-      for (uint32_t x = 0; x < width; ++x) file[x] = static_cast<uint8_t>(PixelAt(row.data(), x, 4));
+      for (uint32_t x = 0; x < width; ++x)
+        file[x] = static_cast<uint8_t>(PixelAt(row.data(), x, 4));
     } else {
       std::memcpy(file.data(), row.data(), packed);
     }

@@ -29,8 +29,8 @@ enum HeaderOffset : size_t {
   kYOrigin = 10,
   kWidth = 12,
   kHeight = 14,
-  kPixelDepth = 16,   // bits per pixel
-  kDescriptor = 17,   // bit 5: top row first; bit 4: right to left
+  kPixelDepth = 16,  // bits per pixel
+  kDescriptor = 17,  // bit 5: top row first; bit 4: right to left
 };
 constexpr size_t kHeaderBytes = 18;
 constexpr uint8_t kTopFirst = 0x20;
@@ -64,8 +64,12 @@ Header ParseHeader(const uint8_t* h) {
   return out;
 }
 
-bool KnownType(uint8_t type) { return (type >= 1 && type <= 3) || (type >= 9 && type <= 11); }
-bool HasPackets(uint8_t type) { return type >= 9; }
+bool KnownType(uint8_t type) {
+  return (type >= 1 && type <= 3) || (type >= 9 && type <= 11);
+}
+bool HasPackets(uint8_t type) {
+  return type >= 9;
+}
 
 // Bytes one stored pixel value takes. Depths past 32 bits have no layout to read: 0.
 size_t PixelBytes(uint8_t pixelDepth) {
@@ -79,7 +83,9 @@ size_t ValuesPerRow(uint32_t width, uint8_t pixelDepth) {
   return pixelDepth == 1 ? (width + 7u) / 8u : width;
 }
 
-size_t MapEntryBytes(uint8_t entrySize) { return (entrySize + 7u) / 8u; }
+size_t MapEntryBytes(uint8_t entrySize) {
+  return (entrySize + 7u) / 8u;
+}
 
 // Entries the reader skips: the map's length less its first index. Real files store `length`
 // entries, so one with a first index above 0 is read from the wrong offset; files have always
@@ -189,7 +195,9 @@ void UnpackFifteen(const uint8_t* values, uint8_t* row, uint32_t width) {
   }
 }
 
-void UnpackBgr(const uint8_t*, uint8_t* row, uint32_t width) { SwapRedBlue(row, width); }
+void UnpackBgr(const uint8_t*, uint8_t* row, uint32_t width) {
+  SwapRedBlue(row, width);
+}
 
 void UnpackBgra(const uint8_t* values, uint8_t* row, uint32_t width) {
   for (uint32_t x = 0; x < width; ++x) {
@@ -218,8 +226,8 @@ int ReadRows(ImageInfo& info, InputFile& in, const Header& h) {
   const size_t valueBytes = PixelBytes(h.pixelDepth);
   const size_t values = ValuesPerRow(h.width, h.pixelDepth);
   // The row is at least as long as its width: right-to-left rows reverse that many bytes.
-  const uint64_t rowSize = std::max<uint64_t>({WorkingRowSize(h.width, info.bits), h.width,
-                                               values * valueBytes});
+  const uint64_t rowSize =
+      std::max<uint64_t>({WorkingRowSize(h.width, info.bits), h.width, values * valueBytes});
   std::vector<uint8_t> row(static_cast<size_t>(rowSize), static_cast<uint8_t>(info.background));
   std::vector<uint8_t> raw;
   const bool direct = ReadsIntoRow(h.pixelDepth);
@@ -320,7 +328,9 @@ int TargaWrite(ImageInfo& info, const std::string& path) {
 
   OutputFile out;
   if (!out.Create(path)) return kCreateError;
-  const size_t rowBytes = mono ? (width + 7) / 8 : mapped ? width : (sixteen ? 2 : 3) * size_t{width};
+  const size_t rowBytes = mono     ? (width + 7) / 8
+                          : mapped ? width
+                                   : (sixteen ? 2 : 3) * size_t{width};
   std::vector<uint8_t> row, file;
   try {
     row.assign(static_cast<size_t>(WorkingRowSize(width, bits)), 0);
@@ -353,7 +363,8 @@ int TargaWrite(ImageInfo& info, const std::string& path) {
     if (info.getLine(row, y) != 0) return kCancelled;
     const uint8_t* data = row.data();
     if (mapped && bits <= 4) {
-      for (uint32_t x = 0; x < width; ++x) file[x] = static_cast<uint8_t>(PixelAt(row.data(), x, 4));
+      for (uint32_t x = 0; x < width; ++x)
+        file[x] = static_cast<uint8_t>(PixelAt(row.data(), x, 4));
       data = file.data();
     } else if (sixteen) {
       // Each 16-bit value is stored as four bytes, but only two bytes a pixel are written: the

@@ -56,7 +56,8 @@ int UueInfo(ImageInfo& info, const std::string& path, int purpose) {
     return code;
   }
   // The name as it was embedded, its first 12 characters in upper case.
-  info.description = "Original name " + ToUpperAscii(NamePart(decoded).substr(0, kOriginalNameLength));
+  info.description =
+      "Original name " + ToUpperAscii(NamePart(decoded).substr(0, kOriginalNameLength));
   return kOk;
 }
 

@@ -14,7 +14,9 @@ namespace {
 constexpr size_t kRelaxedLine = 256;
 constexpr size_t kStrictLine = 80;
 
-uint32_t Sixbits(char c) { return (static_cast<uint32_t>(static_cast<unsigned char>(c)) - 32u) & 63u; }
+uint32_t Sixbits(char c) {
+  return (static_cast<uint32_t>(static_cast<unsigned char>(c)) - 32u) & 63u;
+}
 
 bool StartsWith(std::string_view line, std::string_view prefix) {
   return line.substr(0, prefix.size()) == prefix;
@@ -22,7 +24,9 @@ bool StartsWith(std::string_view line, std::string_view prefix) {
 bool StartsWithAnyCase(std::string_view line, std::string_view prefix) {
   return line.size() >= prefix.size() && EqualsIgnoreCase(line.substr(0, prefix.size()), prefix);
 }
-bool IsEndLine(std::string_view line) { return StartsWithAnyCase(line, "END"); }
+bool IsEndLine(std::string_view line) {
+  return StartsWithAnyCase(line, "END");
+}
 
 // "begin MODE NAME": an octal mode and a name without spaces.
 bool ParseBegin(const std::string& line, std::string& name) {

@@ -19,7 +19,9 @@ size_t DecodeUueLine(std::string_view line, uint8_t* out);
 constexpr size_t kMaxUueLineBytes = 63;
 
 // The characters a data line of `count` bytes has after its count character.
-constexpr size_t UueLineLength(uint32_t count) { return (count + 2) / 3 * 4; }
+constexpr size_t UueLineLength(uint32_t count) {
+  return (count + 2) / 3 * 4;
+}
 
 // What decoding made: the name in the begin line and the decoded file.
 struct UueDecoded {

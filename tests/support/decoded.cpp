@@ -1,5 +1,7 @@
 #include "support/decoded.h"
 
+#include <gtest/gtest.h>
+
 #include "core/pixels.h"
 #include "core/row_format.h"
 
@@ -9,30 +11,39 @@ uint32_t Decoded::Pixel(uint32_t x, int32_t y) const {
   return PixelAt(rows.at(y).data(), x, StorageBits(info.bits));
 }
 
-Decoded DecodeWith(InfoHandler infoHandler, ReadHandler readHandler, const std::string& path,
-                   int abortOn, Host* host) {
+Decoded DecodeBytes(const TempDir& dir, const std::string& name, const std::string& bytes,
+                    int abortOn) {
+  const std::string path = dir / name;
+  WriteFileBytes(path, bytes);
   Decoded d;
-  d.info.host = host;
-  // A stale value shows whether info sets the fill value itself.
-  d.info.background = 9;
-  d.infoCode = infoHandler(d.info, path, 0);
+  const int format = FindFormat(path);
+  if (format < 0) return d;
+  d.info.background = 9;  // a stale value shows whether info sets the fill value itself
+  d.infoCode = FormatAt(format).info(d.info, path, 0);
   if (d.infoCode != 0) return d;
   int delivered = 0;
-  const auto stored = static_cast<size_t>(PackedRowBytes(d.info.width, d.info.bits));
+  const auto stored = static_cast<ptrdiff_t>(PackedRowBytes(d.info.width, d.info.bits));
   d.info.putLine = [&](std::span<uint8_t> row, int32_t y) {
-    d.rows[y] = std::vector<uint8_t>(row.begin(), row.begin() + static_cast<ptrdiff_t>(stored));
-    d.order.push_back(y);
+    d.rows[y] = std::vector<uint8_t>(row.begin(), row.begin() + stored);
     return ++delivered == abortOn ? 1 : 0;
   };
-  d.readCode = readHandler(d.info, path);
+  d.readCode = FormatAt(format).read(d.info, path);
   d.info.putLine = nullptr;
   return d;
 }
 
-Decoded Decode(const std::string& path, int abortOn, Host* host) {
-  int row = FindFormat(path);
-  if (row < 0) return Decoded{};
-  return DecodeWith(FormatAt(row).info, FormatAt(row).read, path, abortOn, host);
+testing::AssertionResult RoundTrips(const Picture& p, const std::string& path, uint32_t bits) {
+  if (int code = WritePicture(p, path)) return testing::AssertionFailure() << "write " << code;
+  Picture q;
+  if (int code = ReadPicture(path, q)) return testing::AssertionFailure() << "read " << code;
+  if (q.bits != bits) return testing::AssertionFailure() << "read back " << q.bits << " bits";
+  for (int32_t y = 0; y < p.depth; ++y)
+    for (uint32_t x = 0; x < p.width; ++x)
+      if (q.Pixel(x, y) != p.Pixel(x, y))
+        return testing::AssertionFailure() << "pixel " << x << "," << y;
+  for (uint32_t i = 0; p.bits > 1 && p.bits <= 8 && i < (1u << p.bits); ++i)
+    if (!(q.palette[i] == p.palette[i])) return testing::AssertionFailure() << "palette " << i;
+  return testing::AssertionSuccess();
 }
 
 std::string Raw(std::initializer_list<int> bytes) {
@@ -51,10 +62,6 @@ std::string Be(uint32_t value, int bytes) {
   std::string s;
   for (int i = bytes - 1; i >= 0; --i) s += static_cast<char>(value >> (8 * i));
   return s;
-}
-
-std::vector<uint8_t> Bytes(const std::string& text) {
-  return std::vector<uint8_t>(text.begin(), text.end());
 }
 
 std::vector<std::string> UuencodeLines(const std::string& bytes) {
