@@ -43,9 +43,19 @@ class MemoryFile {
   std::string path_;
 };
 
+// A file a handler made for itself (a decoded attachment) goes with the record, whichever way the
+// read ends, as the driver's post-read step removes it.
+struct TemporaryFileGuard {
+  ImageInfo& info;
+  ~TemporaryFileGuard() {
+    if (!info.temporaryFile.empty()) unlink(info.temporaryFile.c_str());
+  }
+};
+
 void ReadOnce(const FormatEntry& entry, const std::string& path, uint32_t imageIndex) {
   QuietHost host;
   ImageInfo info;
+  TemporaryFileGuard guard{info};
   info.host = &host;
   info.imageIndex = imageIndex;
   if (entry.info(info, path, 0) != 0) return;
@@ -59,7 +69,6 @@ void ReadOnce(const FormatEntry& entry, const std::string& path, uint32_t imageI
   if (store.Create(info.width, info.depth, info.bits, kStoreMemoryOnly) != 0) return;
   info.putLine = PlainRowSink(store);
   entry.read(info, path);
-  if (!info.temporaryFile.empty()) unlink(info.temporaryFile.c_str());
 }
 
 }  // namespace

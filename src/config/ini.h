@@ -6,13 +6,11 @@
 
 #include "config/recent_dirs.h"
 #include "config/settings.h"
+#include "core/signature.h"
 
 // "PXM.INI": one "[Pixmill]" section of "key = value" lines, read with the program's own line
 // rules and written back whole.
 namespace pxm {
-
-// The signature written into the file's header and other files the program stamps.
-inline constexpr std::string_view kFileSignature = "PXM/Windows 0.00";
 
 // Applies one line of the file to the settings, with every rule of the reader: ";" lines are
 // skipped, the line ends at its first control character, the key is matched as a prefix against

@@ -110,12 +110,21 @@ size_t InputFile::Read(void* out, size_t n) {
 bool InputFile::ReadLine(std::string& line, size_t limit) {
   line.clear();
   bool any = false;
+  // Whole stretches of the buffer at a time: text files of megabytes (uuencoded pictures) are
+  // read line by line.
   while (line.size() < limit) {
-    int c = ReadByte();
-    if (c < 0) return any;
+    if (pos_ >= end_ && !Refill()) return any;
     any = true;
-    if (c == '\n') return true;
-    line.push_back(static_cast<char>(c));
+    const char* start = reinterpret_cast<const char*>(buffer_.data() + pos_);
+    const size_t avail = std::min(end_ - pos_, limit - line.size());
+    if (const void* feed = std::memchr(start, '\n', avail)) {
+      const auto n = static_cast<size_t>(static_cast<const char*>(feed) - start);
+      line.append(start, n);
+      pos_ += n + 1;
+      return true;
+    }
+    line.append(start, avail);
+    pos_ += avail;
   }
   // A line of exactly `limit` characters is whole: its line feed must not come back as an empty
   // piece, which the configuration reader would take for a blank line.

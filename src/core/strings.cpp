@@ -83,6 +83,25 @@ constexpr Entry kEntries[] = {
      "Pixmill only converts and stores pictures: the image in this file may have been made by "
      "someone other than the Pixmill developers, who answer for the program and not for it.\r"
      "Made with Pixmill."},
+    // The IFF chunk report: a line per chunk, the form type, the bitmap header's fields, the
+    // colour map and text chunks.
+    {1100, "%s chunk, %u bytes"},
+    {1101, "Form type %s"},
+    {1102, "Width %u"},
+    {1103, "Height %u"},
+    {1104, "X origin %d"},
+    {1105, "Y origin %d"},
+    {1106, "Planes %u"},
+    {1107, "Masking %u"},
+    {1108, "Compression %u"},
+    {1109, "Pad %u"},
+    {1110, "Transparent colour %u"},
+    {1111, "X aspect %u"},
+    {1112, "Y aspect %u"},
+    {1113, "Page width %u"},
+    {1114, "Page height %u"},
+    {1115, "Colour map of %u entries"},
+    {1116, "Text: %s"},
     // TIFF tag names: entry 2000 + tag.
     {2254, "NewSubFile"},
     {2255, "SubfileType"},

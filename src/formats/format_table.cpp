@@ -10,6 +10,11 @@
 #include "formats/clipboard.h"
 #include "formats/jpeg.h"
 #include "formats/tiff.h"
+#include "formats/fits.h"
+#include "formats/iff.h"
+#include "formats/sun_raster.h"
+#include "formats/targa.h"
+#include "formats/uue.h"
 
 namespace pxm {
 
@@ -40,18 +45,18 @@ constexpr FormatEntry kTable[kFormatCount] = {
     {TiffList, TiffInfo, TiffRead, TiffWrite, nullptr, 24, "TIF", "(TIF) TIFF", 1, 1},
     {kNoList, PXM_NOT_BUILT, nullptr, 8, "WPG", "(WPG) WordPerfect Graphics", 1, 1},
     {kNoList, PXM_NOT_BUILT, nullptr, 24, "PIC", "(PIC) Pictor or Pegasus", 1, 1},
-    {kNoList, PXM_NOT_BUILT, nullptr, 24, "TGA", "(TGA) Targa", 1, 1},
+    {kNoList, TargaInfo, TargaRead, TargaWrite, nullptr, 24, "TGA", "(TGA) Targa", 1, 1},
     {kNoList, PXM_NOT_BUILT, nullptr, 8, "CUT", "(CUT) Dr. Halo", 1, 1},
     {kNoList, BmpInfo, BmpRead, BmpWrite, nullptr, 24, "BMP", "(BMP) Windows", 1, 1},
     {kNoList, PXM_NOT_BUILT, nullptr, 1, "MSP", "(MSP) Microsoft Paint", 1, 1},
-    {kList5, PXM_NOT_BUILT, nullptr, 8, "LBM", "(LBM) Amiga", 1, 1},
+    {IffList, IffInfo, IffRead, IffWrite, nullptr, 8, "LBM", "(LBM) Amiga", 1, 1},
     {kNoList, PXM_NOT_BUILT, nullptr, 8, "EXE", "(EXE) Self-displaying image", 1, 1},
     {kNoList, PXM_NOT_BUILT, nullptr, 24, "TXT", "(TXT) Text files", 1, 1},
     {kNoList, PXM_NOT_BUILT, nullptr, 8, "RLE", "(RLE) Windows", 1, 1},
     {kNoList, JpegInfo, JpegRead, JpegWrite, nullptr, 24, "JPG", "(JPG) Jpeg", 1, 1},
     {kNoList, PXM_NOT_BUILT, nullptr, 1, "ART", "(ART) PFS:Publisher", 1, 1},
-    {kList5, PXM_NOT_BUILT, nullptr, 24, "IFF", "(IFF) Amiga", 1, 1},
-    {kNoList, PXM_NOT_BUILT, nullptr, 24, "RAS", "(RAS) Sun raster", 1, 1},
+    {IffList, IffInfo, IffRead, IffWrite, nullptr, 24, "IFF", "(IFF) Amiga", 1, 1},
+    {kNoList, SunInfo, SunRead, SunWrite, nullptr, 24, "RAS", "(RAS) Sun raster", 1, 1},
     {kNoList, PXM_NOT_BUILT, nullptr, 24, "HRZ", "(HRZ) SSTV", 1, 1},
     {kNoList, BmpInfo, BmpRead, BmpWrite, nullptr, 24, "DIB", "(DIB) Windows", 1, 1},
     {kNoList, PXM_NOT_BUILT, nullptr, 8, "ICO", "(ICO) Windows icon", 1, 1},
@@ -59,7 +64,7 @@ constexpr FormatEntry kTable[kFormatCount] = {
      1, 1053},
     {kNoList, RefuseInfo8, RefuseRead8, ClipboardWrite, nullptr, 24, "CBD", "(CDB) Clipboard", 1, 35},
     {kList5, PXM_NOT_BUILT, nullptr, 24, "CPT", "(CPT) Corel PhotoPAINT", 1, 129},
-    {kList5, PXM_NOT_BUILT, nullptr, 24, "FIT", "(FIT) Flex. Image Transport", 1, 1},
+    {FitsList, FitsInfo, FitsRead, FitsWrite, nullptr, 24, "FIT", "(FIT) Flex. Image Transport", 1, 1},
     {kList5, PXM_NOT_BUILT, nullptr, 24, "CDR", "(CDR) Corel Draw Preview", 1, 261},
     {kNoList, BgaInfo, BgaRead, BgaWrite, nullptr, 24, "BGA", "(BGA) OS/2 Warp", 1, 261},
     {kList5, PXM_NOT_BUILT, nullptr, 24, "PNG", "(PNG) Portable Netwk Grphcs", 1, 1},
@@ -72,11 +77,11 @@ constexpr FormatEntry kTable[kFormatCount] = {
      1, 2},
     {kNoList, RefuseInfo5, RefuseRead5, RefuseWrite5, nullptr, 24, "CLP", "(CLP) Windows Clipboard",
      1, 2},
-    {kNoList, PXM_NOT_BUILT, nullptr, 24, "UUE", "(UUE) UUEncoded graphics", 1, 1},
+    {kNoList, UueInfo, UueRead, RefuseWrite5, nullptr, 24, "UUE", "(UUE) UUEncoded graphics", 1, 1},
     {kNoList, JpegInfo, JpegRead, JpegWrite, nullptr, 24, "JPE", "(JPE) Jpeg", 1, 1},
     {kNoList, PXM_NOT_BUILT, nullptr, 24, "DLL", "(DLL) Windows library", 1, 261},
     {kNoList, PXM_NOT_BUILT, nullptr, 24, "VBX", "(VBX) Windows library", 1, 261},
-    {kList5, PXM_NOT_BUILT, nullptr, 24, "FTS", "(FTS) Flex. Image Transport", 1, 1},
+    {FitsList, FitsInfo, FitsRead, FitsWrite, nullptr, 24, "FTS", "(FTS) Flex. Image Transport", 1, 1},
     {kNoList, nullptr, nullptr, nullptr, nullptr, 0, "", "", 0, 0},
 };
 

@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <sstream>
 
+#include "support/decoded.h"
 #include "support/picture.h"
 #include "support/programs.h"
 #include "support/temp_dir.h"
@@ -280,6 +281,32 @@ TEST_F(PxmTest, EffectTakesAnEffectWithItsOptionsOrTheRawWord) {
   EXPECT_EQ(Pxm("effect --effect grey --word 2 --to bmp a.bmp").status, 64);
   EXPECT_EQ(Pxm("effect --word 0x --to bmp a.bmp").status, 64);
   EXPECT_EQ(Pxm("effect --effect grey a.bmp").status, 64);  // no --to
+}
+
+TEST_F(PxmTest, UuePartsAnswerTheNextFileDialogInOrderThenOk) {
+  // A picture encoded by hand into three parts: the first has the begin line, none has END.
+  Picture("p.tga", 8, 6, 2);
+  const std::string bytes = test::ReadFileBytes(dir / "p.tga");
+  std::vector<std::string> lines = test::UuencodeLines(bytes);
+  for (std::string& line : lines) line += "\n";
+  ASSERT_GE(lines.size(), 3u);
+  std::string first = "begin 644 p.tga\n", second, third;
+  for (size_t i = 0; i < lines.size(); ++i) (i == 0 ? first : i == 1 ? second : third) += lines[i];
+  test::WriteFileBytes(dir / "p.uue", first);
+  test::WriteFileBytes(dir / "p2.txt", second);
+  test::WriteFileBytes(dir / "p3.txt", third);
+
+  Result r = Pxm("convert --to bmp p.uue --uue-part p2.txt --uue-part p3.txt");
+  ASSERT_EQ(r.status, 0) << r.err;
+  EXPECT_EQ(r.out, "p.uue -> p.bmp\n");
+  test::Picture in, out;
+  ASSERT_EQ(test::ReadPicture(dir / "p.tga", in), 0);
+  ASSERT_EQ(test::ReadPicture(dir / "p.bmp", out), 0);
+  EXPECT_EQ(in.rows, out.rows);
+  // With one part given, the dialog then answers Ok and the picture is cut short.
+  EXPECT_NE(Pxm("info p.uue --uue-part p2.txt").status, 0);
+  Result info = Pxm("info p.uue --uue-part p2.txt --uue-part p3.txt");
+  EXPECT_NE(info.out.find("description: Original name P.TGA\n"), std::string::npos);
 }
 
 }  // namespace
