@@ -8,6 +8,7 @@
 #include "formats/bga.h"
 #include "formats/bmp.h"
 #include "formats/clipboard.h"
+#include "formats/pcx.h"
 
 namespace pxm {
 
@@ -33,7 +34,7 @@ constexpr ListImagesHandler kList5 = RefuseList5;  // a listing handler not buil
 constexpr FormatEntry kTable[kFormatCount] = {
     {kNoList, PXM_NOT_BUILT, nullptr, 1, "MAC", "(MAC) MacPaint", 1, 1},
     {kNoList, PXM_NOT_BUILT, nullptr, 24, "IMG", "(IMG) GEM/Ventura", 1, 1},
-    {kNoList, PXM_NOT_BUILT, nullptr, 24, "PCX", "(PCX) PC Paintbrush", 1, 1},
+    {kNoList, PcxInfo, PcxRead, PcxWrite, nullptr, 24, "PCX", "(PCX) PC Paintbrush", 1, 1},
     {kList5, PXM_NOT_BUILT, nullptr, 8, "GIF", "(GIF) CompuServe", 1, 261},
     {kList5, PXM_NOT_BUILT, nullptr, 24, "TIF", "(TIF) TIFF", 1, 1},
     {kNoList, PXM_NOT_BUILT, nullptr, 8, "WPG", "(WPG) WordPerfect Graphics", 1, 1},
