@@ -8,6 +8,7 @@
 #include "formats/bga.h"
 #include "formats/bmp.h"
 #include "formats/clipboard.h"
+#include "formats/gif.h"
 #include "formats/pcx.h"
 
 namespace pxm {
@@ -35,7 +36,7 @@ constexpr FormatEntry kTable[kFormatCount] = {
     {kNoList, PXM_NOT_BUILT, nullptr, 1, "MAC", "(MAC) MacPaint", 1, 1},
     {kNoList, PXM_NOT_BUILT, nullptr, 24, "IMG", "(IMG) GEM/Ventura", 1, 1},
     {kNoList, PcxInfo, PcxRead, PcxWrite, nullptr, 24, "PCX", "(PCX) PC Paintbrush", 1, 1},
-    {kList5, PXM_NOT_BUILT, nullptr, 8, "GIF", "(GIF) CompuServe", 1, 261},
+    {GifList, GifInfo, GifRead, GifWrite, nullptr, 8, "GIF", "(GIF) CompuServe", 1, 261},
     {kList5, PXM_NOT_BUILT, nullptr, 24, "TIF", "(TIF) TIFF", 1, 1},
     {kNoList, PXM_NOT_BUILT, nullptr, 8, "WPG", "(WPG) WordPerfect Graphics", 1, 1},
     {kNoList, PXM_NOT_BUILT, nullptr, 24, "PIC", "(PIC) Pictor or Pegasus", 1, 1},
