@@ -22,3 +22,19 @@ g="PCX 24-bit 6000x4000: PCX -> BMP"
 add "$g" "pixmill" "$pxm convert --to bmp --output $work/pp.bmp $in/photo24.pcx"
 add "$g" "ImageMagick" "$im $in/photo24.pcx BMP3:$work/imp.bmp"
 add "$g" "GraphicsMagick" "gm convert $in/photo24.pcx BMP3:$work/gmp.bmp"
+
+[ -f "$in/photo24.ppm" ] || $im "$in/photo24.bmp" "$in/photo24.ppm"
+[ -f "$in/photo24.png" ] || $im "$in/photo24.bmp" -quality 65 "$in/photo24.png"
+
+# Level 6 with adaptive filtering everywhere (ImageMagick and GraphicsMagick: -quality 65).
+g="PNG 24-bit 6000x4000: BMP -> PNG level 6"
+add "$g" "pixmill" "$pxm --set PngCompression=6 convert --to png --output $work/p.png $in/photo24.bmp"
+add "$g" "ImageMagick" "$im $in/photo24.bmp -quality 65 $work/im.png"
+add "$g" "GraphicsMagick" "gm convert $in/photo24.bmp -quality 65 $work/gm.png"
+add "$g" "vips (from PPM)" "vips copy $in/photo24.ppm $work/v.png[compression=6,filter=all]"
+
+g="PNG 24-bit 6000x4000: PNG -> BMP"
+add "$g" "pixmill" "$pxm convert --to bmp --output $work/pn.bmp $in/photo24.png"
+add "$g" "ImageMagick" "$im $in/photo24.png BMP3:$work/imn.bmp"
+add "$g" "GraphicsMagick" "gm convert $in/photo24.png BMP3:$work/gmn.bmp"
+add "$g" "vips (to .v)" "vips copy $in/photo24.png $work/vn.v"

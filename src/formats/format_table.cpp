@@ -10,6 +10,7 @@
 #include "formats/clipboard.h"
 #include "formats/gif.h"
 #include "formats/pcx.h"
+#include "formats/png.h"
 
 namespace pxm {
 
@@ -62,7 +63,7 @@ constexpr FormatEntry kTable[kFormatCount] = {
     {kList5, PXM_NOT_BUILT, nullptr, 24, "FIT", "(FIT) Flex. Image Transport", 1, 1},
     {kList5, PXM_NOT_BUILT, nullptr, 24, "CDR", "(CDR) Corel Draw Preview", 1, 261},
     {kNoList, BgaInfo, BgaRead, BgaWrite, nullptr, 24, "BGA", "(BGA) OS/2 Warp", 1, 261},
-    {kList5, PXM_NOT_BUILT, nullptr, 24, "PNG", "(PNG) Portable Netwk Grphcs", 1, 1},
+    {PngList, PngInfo, PngRead, PngWrite, nullptr, 24, "PNG", "(PNG) Portable Netwk Grphcs", 1, 1},
     {kNoList, PXM_NOT_BUILT, nullptr, 24, "MPG", "(MPG) MPEG video", 1, 521},
     {kNoList, PXM_NOT_BUILT, nullptr, 24, "MOV", "(MOV) QuickTime movies", 1, 25},
     {kNoList, PXM_NOT_BUILT, nullptr, 8, "FLI", "(FLI) FLIC animation", 1, 1037},
