@@ -3,7 +3,7 @@
 # through ImageMagick, so it joins where it can do the same work natively: decoding GIF and PNG
 # (to its own raw format), and encoding PNG from a PPM of the same photograph.
 
-[ -f "$in/photo8.bmp" ] || $im "$in/photo24.bmp" -colors 256 -type palette "BMP3:$in/photo8.bmp"
+[ -f "$in/photo8.bmp" ] || $im "$in/photo24.bmp" -colors 256 -type palette -compress none "BMP3:$in/photo8.bmp"
 [ -f "$in/photo8.gif" ] || $im "$in/photo8.bmp" "$in/photo8.gif"
 [ -f "$in/photo24.pcx" ] || $im "$in/photo24.bmp" "PCX:$in/photo24.pcx"
 

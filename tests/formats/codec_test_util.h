@@ -1,7 +1,7 @@
 #pragma once
 
-// Small helpers shared by the codec tests: bytes written out by hand, and a decode straight
-// through a format's handlers that keeps every row the sink saw.
+// Helpers shared by the codec tests: bytes written out by hand, and a decode straight through a
+// format's handlers that keeps every row the sink saw.
 
 #include <cstdint>
 #include <initializer_list>
@@ -24,6 +24,7 @@ inline std::string Raw(std::initializer_list<int> bytes) {
   for (int b : bytes) s += static_cast<char>(b);
   return s;
 }
+// `bytes` bytes of `value`, little- or big-endian.
 inline std::string Le(uint32_t value, int bytes) {
   std::string s;
   for (int i = 0; i < bytes; ++i) s += static_cast<char>(value >> (8 * i));
@@ -40,26 +41,22 @@ struct Decoded {
   int readCode = -1;
   ImageInfo info;
   std::map<int32_t, Bytes> rows;  // each cut to the stored row length
-  std::vector<int32_t> order;     // row numbers in the order they came
-  uint32_t Pixel(uint32_t x, int32_t y) const {
-    return PixelAt(rows.at(y).data(), x, StorageBits(info.bits));
-  }
+  std::vector<int32_t> order;     // row numbers as they came
+  uint32_t Pixel(uint32_t x, int32_t y) const { return PixelAt(rows.at(y).data(), x, StorageBits(info.bits)); }
 };
 
-// Runs info then read; the sink answers 1 on its `abortOn`-th call (counting from 1).
+// Info then read; the sink answers 1 on its `abortOn`-th call (counting from 1).
 template <typename InfoFn, typename ReadFn>
 Decoded DecodeWith(InfoFn infoFn, ReadFn readFn, const std::string& path, int abortOn = 0,
                    uint32_t imageIndex = 0) {
   Decoded d;
   d.info.imageIndex = imageIndex;
-  d.infoCode = infoFn(d.info, path, 0);
-  if (d.infoCode != kOk) return d;
-  int delivered = 0;
+  if ((d.infoCode = infoFn(d.info, path, 0)) != kOk) return d;
   d.info.putLine = [&](std::span<uint8_t> row, int32_t y) {
-    const auto n = static_cast<size_t>(StoreBytesPerLine(d.info.width, d.info.bits));
-    d.rows[y] = Bytes(row.begin(), row.begin() + static_cast<std::ptrdiff_t>(n));
+    const auto n = static_cast<std::ptrdiff_t>(StoreBytesPerLine(d.info.width, d.info.bits));
+    d.rows[y] = Bytes(row.begin(), row.begin() + n);
     d.order.push_back(y);
-    return ++delivered == abortOn ? 1 : 0;
+    return static_cast<int>(d.order.size()) == abortOn ? 1 : 0;
   };
   d.readCode = readFn(d.info, path);
   d.info.putLine = nullptr;

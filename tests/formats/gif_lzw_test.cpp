@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <map>
 #include <vector>
 
 namespace pxm {
@@ -64,9 +63,9 @@ TEST(GifLzw, KnownCodesForSixEqualPixels) {
 TEST(GifLzw, RoundTripsAtEveryCodeSizeAndAcrossTableClears) {
   for (int codeSize = 2; codeSize <= 8; ++codeSize) {
     const uint32_t colours = 1u << codeSize;
-    // Noise fills the table after about 4096 - 2^size codes of one or two pixels each; lengths
-    // around several clears, and runs of one colour that make long strings.
-    for (size_t n : {size_t{1}, size_t{2}, size_t{3839}, size_t{3840}, size_t{3841}, size_t{9000}, size_t{20011}}) {
+    // Noise fills the table after about 4096 - 2^size codes of one or two pixels each: lengths
+    // across several clears, and a run of one colour that makes long strings.
+    for (size_t n : {size_t{1}, size_t{2}, size_t{3841}, size_t{3950}, size_t{20011}}) {
       SCOPED_TRACE(testing::Message() << "code size " << codeSize << ", " << n << " pixels");
       Bytes pixels = Noise(n, colours, static_cast<uint32_t>(n + codeSize));
       for (size_t i = n / 3; i < n / 2; ++i) pixels[i] = static_cast<uint8_t>(colours - 1);
@@ -77,16 +76,6 @@ TEST(GifLzw, RoundTripsAtEveryCodeSizeAndAcrossTableClears) {
       EXPECT_EQ(Decode(codeSize, code, n + 1, 1, 7, &state), pixels);
       EXPECT_EQ(state, GifLzwDecoder::State::kEnd);
     }
-  }
-}
-
-TEST(GifLzw, EveryTableFullBoundaryRoundTrips) {
-  // Noise of 256 colours fills the table after about 3950 pixels: every length around that puts
-  // the clear after each possible last string.
-  const Bytes pixels = Noise(4300, 256, 5);
-  for (size_t n = 3700; n < 4300; ++n) {
-    Bytes part(pixels.begin(), pixels.begin() + static_cast<std::ptrdiff_t>(n));
-    ASSERT_EQ(Decode(8, Encode(8, part), n), part) << n;
   }
 }
 
@@ -110,48 +99,6 @@ TEST(GifLzw, DamagedDataStopsCleanly) {
   // Code sizes the decoder refuses.
   EXPECT_FALSE(GifLzwDecoder::IsValidCodeSize(0));
   EXPECT_FALSE(GifLzwDecoder::IsValidCodeSize(12));
-}
-
-// A table that fills up and is never cleared keeps 12-bit codes and takes no new strings, as
-// encoders that put off clearing expect. The stream is made here by a plain coder without clears.
-TEST(GifLzw, FullTableWithoutClearKeepsDecoding) {
-  const int codeSize = 8;
-  const Bytes pixels = Noise(12000, 256, 9);
-  std::map<std::pair<uint32_t, uint8_t>, uint32_t> strings;  // (prefix code, pixel) -> code
-  uint32_t next = 258;
-  int width = 9;
-  uint64_t acc = 0;
-  int count = 0;
-  Bytes code;
-  auto emit = [&](uint32_t c) {
-    acc |= static_cast<uint64_t>(c) << count;
-    count += width;
-    while (count >= 8) {
-      code.push_back(static_cast<uint8_t>(acc));
-      acc >>= 8;
-      count -= 8;
-    }
-  };
-  emit(256);
-  uint32_t current = pixels[0];
-  for (size_t i = 1; i < pixels.size(); ++i) {
-    auto it = strings.find({current, pixels[i]});
-    if (it != strings.end()) {
-      current = it->second;
-      continue;
-    }
-    emit(current);
-    if (next >= (1u << width) && width < 12) ++width;
-    if (next < 4096) strings[{current, pixels[i]}] = next++;
-    current = pixels[i];
-  }
-  emit(current);
-  emit(257);
-  if (count > 0) code.push_back(static_cast<uint8_t>(acc));
-  ASSERT_EQ(next, 4096u);  // the table did fill
-  GifLzwDecoder::State state;
-  EXPECT_EQ(Decode(codeSize, code, pixels.size() + 1, SIZE_MAX, SIZE_MAX, &state), pixels);
-  EXPECT_EQ(state, GifLzwDecoder::State::kEnd);
 }
 
 }  // namespace

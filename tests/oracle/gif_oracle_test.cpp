@@ -35,8 +35,6 @@ using oracle::kMagick;
 using test::Picture;
 using test::RgbImage;
 
-const uint32_t kWidths[] = {1, 7, 8, 9, 31, 33};
-
 // One-bit pictures show black and white: then only the partition of the pixels must agree.
 testing::AssertionResult ReadsAs(const std::string& path, const RgbImage& want, uint32_t image = 0) {
   Picture p;
@@ -65,7 +63,7 @@ TEST(GifOracle, ImageMagickFilesReadAsImageMagickDecodesThem) {
   test::TempDir dir;
   for (const char* options : {"", "-interlace GIF"})
     for (uint32_t colours : {2u, 4u, 16u, 200u})
-      for (uint32_t width : kWidths) {
+      for (uint32_t width : {1u, 8u, 9u, 33u}) {
         SCOPED_TRACE(testing::Message() << options << " " << colours << " colours, width " << width);
         oracle::WritePpm(dir / "in.ppm", oracle::Scene(width, 11, colours), width, 11);
         const std::string out = dir / "out.gif";
@@ -113,11 +111,10 @@ TEST(GifOracle, GifsicleFilesWithSeveralImagesCommentsAndExtensions) {
   // The block report names what gifsicle put in.
   std::vector<std::string> lines;
   ASSERT_EQ(FormatAt(FindFormat(multi)).listImages(info, multi, lines), kOk);
-  std::multiset<std::string> headings(lines.begin(), lines.end());
-  EXPECT_EQ(headings.count("IMAGE BLOCK"), 3u);
-  EXPECT_EQ(headings.count("COMMENT BLOCK"), 1u);
-  EXPECT_EQ(headings.count("GIF APPLICATION identification string: NETSCAPE"), 1u);
-  EXPECT_EQ(headings.count("Interlaced:\t\t YES"), 3u);
+  const std::multiset<std::string> seen(lines.begin(), lines.end());
+  for (auto [line, count] : {std::pair{"IMAGE BLOCK", 3u}, {"Interlaced:\t\t YES", 3u}, {"COMMENT BLOCK", 1u},
+                             {"GIF APPLICATION identification string: NETSCAPE", 1u}})
+    EXPECT_EQ(seen.count(line), count) << line;
 }
 
 TEST(GifOracle, PixmillFilesReadByImageMagickPillowAndNetpbm) {
@@ -127,7 +124,7 @@ TEST(GifOracle, PixmillFilesReadByImageMagickPillowAndNetpbm) {
   test::TempDir dir;
   for (bool interlaced : {false, true})
     for (uint32_t bits : {1u, 2u, 3u, 4u, 6u, 8u})
-      for (uint32_t width : kWidths) {
+      for (uint32_t width : {1u, 9u, 33u}) {
         SCOPED_TRACE(testing::Message() << bits << " bits, width " << width << (interlaced ? ", interlaced" : ""));
         ScopedSettings settings;
         settings->WriteGIFInterlaced = interlaced;

@@ -33,39 +33,41 @@ namespace fs = std::filesystem;
 using test::Picture;
 using test::RgbImage;
 
-// The file as libpng decodes it, one byte a sample (16-bit samples by their high byte, no
-// gamma, no alpha, no background), turned into the colours Pixmill shows: palette entries, the
-// grey ramp for grey up to 8 bits, 16-bit grey as it is. False when libpng refuses the file.
+// The file as libpng decodes it, one byte a sample (16-bit samples by their high byte, no gamma,
+// alpha or background), in the colours Pixmill shows: palette entries, grey up to 8 bits (and grey
+// with alpha) through the ramp, 16-bit grey as it is. False when libpng refuses the file.
 struct Decoding {
   png_structp png = nullptr;
   png_infop info = nullptr;
   FILE* file = nullptr;
   std::vector<uint8_t> image;
+  int colourType = 0, bitDepth = 0;
+  size_t channels = 0;
   ~Decoding() {
     if (png) png_destroy_read_struct(&png, info ? &info : nullptr, nullptr);
     if (file) std::fclose(file);
   }
 };
 
-bool Samples(Decoding* d, png_uint_32& width, png_uint_32& height, size_t& channels, int& bitDepth,
-             int& colourType) {
+// Holds nothing with a destructor: libpng's errors jump back to its setjmp.
+bool Samples(Decoding* d, RgbImage* out) {
   if (setjmp(png_jmpbuf(d->png))) return false;
   png_init_io(d->png, d->file);
   png_read_info(d->png, d->info);
-  bitDepth = png_get_bit_depth(d->png, d->info);
-  colourType = png_get_color_type(d->png, d->info);
-  png_set_packing(d->png);
+  d->colourType = png_get_color_type(d->png, d->info);
+  d->bitDepth = png_get_bit_depth(d->png, d->info);
+  png_set_packing(d->png);  // (png_set_palette_to_rgb would also stretch grey to 8 bits)
   png_set_strip_16(d->png);
   png_set_strip_alpha(d->png);
   png_set_interlace_handling(d->png);
   png_read_update_info(d->png, d->info);
-  width = png_get_image_width(d->png, d->info);
-  height = png_get_image_height(d->png, d->info);
-  channels = png_get_channels(d->png, d->info);
+  out->width = png_get_image_width(d->png, d->info);
+  out->height = png_get_image_height(d->png, d->info);
+  d->channels = png_get_channels(d->png, d->info);
   const size_t rowBytes = png_get_rowbytes(d->png, d->info);
-  d->image.resize(rowBytes * height);
+  d->image.resize(rowBytes * out->height);
   std::vector<png_bytep> rows;
-  for (png_uint_32 y = 0; y < height; ++y) rows.push_back(d->image.data() + y * rowBytes);
+  for (png_uint_32 y = 0; y < out->height; ++y) rows.push_back(d->image.data() + y * rowBytes);
   png_read_image(d->png, rows.data());
   png_read_end(d->png, nullptr);
   return true;
@@ -76,29 +78,17 @@ bool LibpngDecode(const std::string& path, RgbImage& out) {
   d.file = std::fopen(path.c_str(), "rb");
   d.png = png_create_read_struct(PNG_LIBPNG_VER_STRING, nullptr, [](png_structp p, png_const_charp) { png_longjmp(p, 1); },
                                  [](png_structp, png_const_charp) {});
-  if (!d.file || !d.png || !(d.info = png_create_info_struct(d.png))) return false;
-  png_uint_32 width = 0, height = 0;
-  size_t channels = 0;
-  int bitDepth = 0, colourType = 0;
-  if (!Samples(&d, width, height, channels, bitDepth, colourType)) return false;
+  if (!d.file || !d.png || !(d.info = png_create_info_struct(d.png)) || !Samples(&d, &out)) return false;
+  Palette ramp{};
+  PngGreyRamp(d.bitDepth == 16 ? 8 : static_cast<uint32_t>(d.bitDepth), ramp);
   png_colorp plte = nullptr;
   int entries = 0;
   png_get_PLTE(d.png, d.info, &plte, &entries);
-  Palette ramp{};
-  PngGreyRamp(bitDepth == 16 ? 8 : static_cast<uint32_t>(bitDepth), ramp);
-  out.width = width;
-  out.height = height;
-  out.pixels.clear();
-  for (size_t i = 0; i < d.image.size(); i += channels) {
+  for (int i = 0; i < entries; ++i) ramp[static_cast<size_t>(i)] = Rgb{plte[i].red, plte[i].green, plte[i].blue};
+  const bool asIs = d.colourType == PNG_COLOR_TYPE_GRAY && d.bitDepth == 16;
+  for (size_t i = 0; i < d.image.size(); i += d.channels) {
     const uint8_t* p = d.image.data() + i;
-    if (colourType == PNG_COLOR_TYPE_PALETTE)
-      out.pixels.push_back(p[0] < entries ? Rgb{plte[p[0]].red, plte[p[0]].green, plte[p[0]].blue} : Rgb{});
-    else if (channels >= 3)
-      out.pixels.push_back(Rgb{p[0], p[1], p[2]});
-    else if (colourType == PNG_COLOR_TYPE_GRAY && bitDepth == 16)
-      out.pixels.push_back(Rgb{p[0], p[0], p[0]});
-    else
-      out.pixels.push_back(ramp[p[0]]);
+    out.pixels.push_back(d.channels >= 3 ? Rgb{p[0], p[1], p[2]} : asIs ? Rgb{p[0], p[0], p[0]} : ramp[p[0]]);
   }
   return true;
 }
