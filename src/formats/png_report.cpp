@@ -184,7 +184,9 @@ int PngList(ImageInfo& /*info*/, const std::string& path, std::vector<std::strin
     const uint64_t data = in.Tell();
     if (!first) out.Add("");
     first = false;
-    out.Add(FormatText("CHUNK %.4s -- SIZE %lu BYTES", reinterpret_cast<const char*>(type),
+    char name[5] = {};
+    std::memcpy(name, type, 4);
+    out.Add(FormatText("CHUNK %4.4s -- SIZE %lu BYTES", name,
                        static_cast<unsigned long>(length)));
     out.Add(LoadMessage(kStrSeparator));
     out.Add(TitleOf(type));
@@ -196,7 +198,7 @@ int PngList(ImageInfo& /*info*/, const std::string& path, std::vector<std::strin
         out.Add("Error allocating memory for this data block.");
         buffer.clear();
       }
-      if (!in.ReadExact(buffer.data(), buffer.size())) {
+      if (!buffer.empty() && !in.ReadExact(buffer.data(), buffer.size())) {
         out.Add("Error reading data for this block.");
         break;
       }
@@ -244,8 +246,7 @@ int PngReadComments(ImageInfo& /*info*/, const std::string& path, std::string& t
         std::memcmp(type, "iTXt", 4) == 0) {
       // Compressed texts may hold much more than their chunk; the chunk itself is read only so far.
       std::vector<uint8_t> chunk(std::min<size_t>(length, 4 * kCommentData));
-      const size_t n = in.Read(chunk.data(), chunk.size());
-      chunk.resize(n);
+      if (!chunk.empty()) chunk.resize(in.Read(chunk.data(), chunk.size()));
       if (auto one = TextOf(type, chunk, kCommentData)) {
         if (!text.empty()) text += '\r';
         text += *one;
