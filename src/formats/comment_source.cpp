@@ -38,7 +38,8 @@ std::optional<std::string> CommentText(const ImageInfo& info) {
     // A file that cannot be read leaves the dialog empty.
     std::vector<uint8_t> bytes;
     std::string prefilled;
-    if (ReadWholeFile(s.GifCommentPath, bytes, kMaxPrefill)) prefilled.assign(bytes.begin(), bytes.end());
+    if (ReadWholeFile(s.GifCommentPath, bytes, kMaxPrefill))
+      prefilled.assign(bytes.begin(), bytes.end());
     return FromDialog(info, prefilled.substr(0, prefilled.find('\0')));
   }
   if (s.PromptForGifComments) return FromDialog(info, "");

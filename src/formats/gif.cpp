@@ -32,7 +32,8 @@ bool TakeTable(InputFile& in, size_t bytes, Palette* palette) {
   if (!palette) return in.Skip(bytes);
   uint8_t table[768];
   if (!in.ReadExact(table, bytes)) return false;
-  for (size_t i = 0; i < bytes / 3; ++i) (*palette)[i] = Rgb{table[3 * i], table[3 * i + 1], table[3 * i + 2]};
+  for (size_t i = 0; i < bytes / 3; ++i)
+    (*palette)[i] = Rgb{table[3 * i], table[3 * i + 1], table[3 * i + 2]};
   return true;
 }
 
@@ -155,7 +156,8 @@ int GifInfo(ImageInfo& info, const std::string& path, int /*purpose*/) {
   if (int code = g.Open(path)) return code;
   info.fileSize = static_cast<int32_t>(g.in.Size());
   info.description.assign(reinterpret_cast<const char*>(g.header), 6);
-  info.description.resize(info.description.find('\0') == std::string::npos ? 6 : info.description.find('\0'));
+  info.description.resize(
+      info.description.find('\0') == std::string::npos ? 6 : info.description.find('\0'));
   info.background = g.header[kGifBackground];
   Pick pick;
   if (int code = Locate(g, info.imageIndex, &info.palette, pick)) return code;
@@ -184,8 +186,8 @@ int GifRead(ImageInfo& info, const std::string& path) {
   if (int code = Locate(g, info.imageIndex, nullptr, pick)) return code;
   // A file without an image reads as an empty picture.
   if (!pick.found) return kOk;
-  return GifUnpackImage(g.in, pick.codeSize, pick.width, static_cast<int32_t>(pick.depth), pick.bits,
-                        pick.flags, info.putLine);
+  return GifUnpackImage(g.in, pick.codeSize, pick.width, static_cast<int32_t>(pick.depth),
+                        pick.bits, pick.flags, info.putLine);
 }
 
 int GifWrite(ImageInfo& info, const std::string& path) {
@@ -194,7 +196,8 @@ int GifWrite(ImageInfo& info, const std::string& path) {
   const uint32_t width = info.width;
   const int32_t depth = info.depth;
   // The format holds one to eight bits and 16-bit sizes.
-  if (bits < 1 || bits > 8 || width > 0xFFFF || depth < 0 || depth > 0xFFFF) return kUnsuitableImage;
+  if (bits < 1 || bits > 8 || width > 0xFFFF || depth < 0 || depth > 0xFFFF)
+    return kUnsuitableImage;
   const bool gif89 = s.CreateGif89 != 0;
   const bool interlaced = s.WriteGIFInterlaced != 0;
 
@@ -225,7 +228,8 @@ int GifWrite(ImageInfo& info, const std::string& path) {
   d[1 + kGifImageFlags] = static_cast<uint8_t>((bits - 1) + (interlaced ? kGifInterlaced : 0));
   if (!out.Write(d, sizeof d)) return kWriteError;
   // Any failure of the coding, a stop asked for by the source included, is a write error.
-  if (GifCompressImage(out, width, depth, bits, interlaced, info.getLine) != kOk) return kWriteError;
+  if (GifCompressImage(out, width, depth, bits, interlaced, info.getLine) != kOk)
+    return kWriteError;
 
   if (gif89 && s.WriteFileComments) {
     std::optional<std::string> text = CommentText(info);

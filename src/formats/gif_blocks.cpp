@@ -8,7 +8,9 @@
 namespace pxm {
 namespace {
 
-bool HasSignature(const uint8_t* h) { return std::memcmp(h, "GIF", 3) == 0; }
+bool HasSignature(const uint8_t* h) {
+  return std::memcmp(h, "GIF", 3) == 0;
+}
 
 }  // namespace
 

@@ -55,7 +55,9 @@ struct GifFile {
 };
 
 // Bytes of a colour table whose flags byte says `flags`.
-constexpr size_t GifTableBytes(uint8_t flags) { return 3u << ((flags & 7u) + 1); }
+constexpr size_t GifTableBytes(uint8_t flags) {
+  return 3u << ((flags & 7u) + 1);
+}
 
 // Skips data sub-blocks up to the zero length; a failed read counts as that zero. Answers
 // whether the terminator was reached inside the file.

@@ -125,7 +125,8 @@ int GifUnpackImage(InputFile& file, int codeSize, uint32_t width, int32_t depth,
     const uint32_t storage = StorageBits(bits);
     // Eight-bit pictures are decoded straight into the row; the others are packed from bytes.
     const PackRow pack = storage == 1 ? PackOneBit : storage == 4 ? PackNibbles : nullptr;
-    std::vector<uint8_t> row(static_cast<size_t>(std::max<uint64_t>(WorkingRowSize(width, bits), width)), 0);
+    std::vector<uint8_t> row(
+        static_cast<size_t>(std::max<uint64_t>(WorkingRowSize(width, bits), width)), 0);
     std::vector<uint8_t> unpacked(pack ? width : 0);
     uint8_t* pixels = pack ? unpacked.data() : row.data();
 
@@ -160,9 +161,12 @@ int GifCompressImage(OutputFile& file, uint32_t width, int32_t depth, uint32_t b
   if (!file.WriteByte(static_cast<uint8_t>(codeSize))) return kWriteError;
   try {
     const uint32_t storage = StorageBits(bits);
-    const UnpackRow unpack = storage == 1 ? UnpackOneBit : storage == 4 ? UnpackNibbles : UnpackBytes;
+    const UnpackRow unpack = storage == 1   ? UnpackOneBit
+                             : storage == 4 ? UnpackNibbles
+                                            : UnpackBytes;
     const auto mask = static_cast<uint8_t>((1u << bits) - 1);
-    std::vector<uint8_t> row(static_cast<size_t>(std::max<uint64_t>(WorkingRowSize(width, bits), width)), 0);
+    std::vector<uint8_t> row(
+        static_cast<size_t>(std::max<uint64_t>(WorkingRowSize(width, bits), width)), 0);
     std::vector<uint8_t> pixels(width);
     constexpr size_t kFlushAt = 256 * kSubBlock;
     std::vector<uint8_t> coded;

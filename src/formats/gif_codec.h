@@ -10,7 +10,9 @@ namespace pxm {
 
 // Whether LZW coding is switched off in this build: 0 means it is allowed. LZW is always
 // allowed here.
-inline int GifIsLzw() { return 0; }
+inline int GifIsLzw() {
+  return 0;
+}
 
 // Image flags bit: rows are stored in the four interlaced passes.
 constexpr uint32_t kGifInterlaced = 0x40;

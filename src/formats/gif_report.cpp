@@ -16,7 +16,9 @@
 namespace pxm {
 namespace {
 
-const char* YesNo(bool yes) { return yes ? "YES" : "NO"; }
+const char* YesNo(bool yes) {
+  return yes ? "YES" : "NO";
+}
 
 void Heading(ReportLines& out, const char* title) {
   out.Add("");
@@ -31,7 +33,8 @@ bool ReportImage(InputFile& in, uint32_t screenBits, ReportLines& out) {
   if (!in.ReadExact(d, sizeof d)) return false;
   const uint8_t flags = d[kGifImageFlags];
   const bool local = (flags & 0x80) != 0;
-  out.Add(FormatText("Image dimensions:\t %u by %u", LoadLe16(d + kGifWidth), LoadLe16(d + kGifHeight)));
+  out.Add(FormatText("Image dimensions:\t %u by %u", LoadLe16(d + kGifWidth),
+                     LoadLe16(d + kGifHeight)));
   out.Add(FormatText("Image bits:\t\t %u", local ? (flags & 7u) + 1 : screenBits));
   out.Add(FormatText("Local palette:\t\t %s", YesNo(local)));
   out.Add(FormatText("Interlaced:\t\t %s", YesNo((flags & 0x40) != 0)));
@@ -58,7 +61,8 @@ void ReportControl(InputFile& in, ReportLines& out) {
   in.Read(b, sizeof b);
   out.Add(FormatText("This block requires %u bytes", unsigned{b[0]}));
   static const char* const kDisposal[] = {"No disposal specified", "Do not dispose",
-                                          "Dispose to background colour", "Dispose to previous graphic"};
+                                          "Dispose to background colour",
+                                          "Dispose to previous graphic"};
   const unsigned disposal = (b[1] >> 2) & 7u;
   out.Add(disposal < 4 ? kDisposal[disposal] : "Unknown disposal procedure");
   if (b[1] & 2)
@@ -129,10 +133,18 @@ int GifList(ImageInfo& /*info*/, const std::string& path, std::vector<std::strin
     } else if (b == kGifExtensionMark) {
       const int label = in.ReadByte();
       switch (label) {
-        case kGifPlainText: ReportPlainText(in, out); break;
-        case kGifControl: ReportControl(in, out); break;
-        case kGifComment: ReportComment(in, out); break;
-        case kGifApplication: ReportApplication(in, out); break;
+        case kGifPlainText:
+          ReportPlainText(in, out);
+          break;
+        case kGifControl:
+          ReportControl(in, out);
+          break;
+        case kGifComment:
+          ReportComment(in, out);
+          break;
+        case kGifApplication:
+          ReportApplication(in, out);
+          break;
         default:
           if (label < 0) return kOk;
           out.Add("");

@@ -52,7 +52,9 @@ struct Header {
   bool FourBitsOnePlane() const { return bitsPerPixel == 4 && planes == 1; }
 };
 
-int16_t Signed16(const uint8_t* p) { return static_cast<int16_t>(LoadLe16(p)); }
+int16_t Signed16(const uint8_t* p) {
+  return static_cast<int16_t>(LoadLe16(p));
+}
 
 Header ParseHeader(const uint8_t* h) {
   Header out;
@@ -62,8 +64,10 @@ Header ParseHeader(const uint8_t* h) {
   out.width = Signed16(h + kXMax) - Signed16(h + kXMin) + 1;
   out.depth = Signed16(h + kYMax) - Signed16(h + kYMin) + 1;
   out.bytesPerLine = Signed16(h + kBytesPerLine);
-  if (out.bitsPerPixel == 8 && out.planes == 3) out.bits = 24;
-  else out.bits = out.bitsPerPixel != 1 ? out.bitsPerPixel : out.planes;
+  if (out.bitsPerPixel == 8 && out.planes == 3)
+    out.bits = 24;
+  else
+    out.bits = out.bitsPerPixel != 1 ? out.bitsPerPixel : out.planes;
   return out;
 }
 
@@ -71,13 +75,16 @@ Header ParseHeader(const uint8_t* h) {
 // first byte is not the PCX mark.
 int OpenHeader(InputFile& in, const std::string& path, uint8_t* h) {
   if (!in.Open(path)) return kOpenError;
-  if (!in.ReadExact(h, kHeaderBytes) || h[kManufacturer] != kManufacturerMark) return kCorruptedFile;
+  if (!in.ReadExact(h, kHeaderBytes) || h[kManufacturer] != kManufacturerMark)
+    return kCorruptedFile;
   return kOk;
 }
 
 // An empty or inside-out rectangle, or planes that make no depth, cannot be a picture; refusing
 // them here keeps absurd sizes away from the store.
-bool Describable(const Header& h) { return h.width > 0 && h.depth > 0 && h.bits != 0; }
+bool Describable(const Header& h) {
+  return h.width > 0 && h.depth > 0 && h.bits != 0;
+}
 
 void LoadHeaderPalette(const uint8_t* h, Palette& palette) {
   for (size_t i = 0; i < 16; ++i) {
@@ -103,7 +110,8 @@ int LoadPalette(InputFile& in, const uint8_t* h, const Header& header, Palette& 
     }
     uint8_t table[kTrailerBytes];
     if (!in.ReadExact(table, sizeof table)) return kReadError;
-    for (size_t i = 0; i < 256; ++i) palette[i] = Rgb{table[3 * i], table[3 * i + 1], table[3 * i + 2]};
+    for (size_t i = 0; i < 256; ++i)
+      palette[i] = Rgb{table[3 * i], table[3 * i + 1], table[3 * i + 2]};
   } else if (header.version == 3) {
     std::copy_n(PcxDefaultPalette().begin(), 16, palette.begin());
   } else {
@@ -206,7 +214,8 @@ void NibblesToPlane(const uint8_t* row, uint32_t width, uint32_t p, uint8_t* pla
   for (uint32_t i = 0; 2 * i < width; ++i) {
     const uint32_t a = 2 * i;
     const uint32_t b = a + 1;
-    plane[a >> 3] = static_cast<uint8_t>(plane[a >> 3] | (((row[i] >> (4 + p)) & 1u) << (7 - (a & 7))));
+    plane[a >> 3] =
+        static_cast<uint8_t>(plane[a >> 3] | (((row[i] >> (4 + p)) & 1u) << (7 - (a & 7))));
     plane[b >> 3] = static_cast<uint8_t>(plane[b >> 3] | (((row[i] >> p) & 1u) << (7 - (b & 7))));
   }
 }
@@ -242,10 +251,10 @@ int WriteRows(ImageInfo& info, OutputFile& out, const Layout& layout, std::vecto
 const Palette& PcxDefaultPalette() {
   static const Palette palette = [] {
     Palette p{};
-    const Rgb colours[16] = {{0, 0, 0},      {0, 0, 170},     {0, 170, 0},    {0, 170, 170},
-                             {170, 0, 0},    {170, 0, 170},   {170, 170, 0},  {170, 170, 170},
-                             {85, 85, 85},   {85, 85, 255},   {85, 255, 85},  {85, 255, 255},
-                             {255, 85, 85},  {255, 85, 255},  {255, 255, 85}, {255, 255, 255}};
+    const Rgb colours[16] = {{0, 0, 0},     {0, 0, 170},    {0, 170, 0},    {0, 170, 170},
+                             {170, 0, 0},   {170, 0, 170},  {170, 170, 0},  {170, 170, 170},
+                             {85, 85, 85},  {85, 85, 255},  {85, 255, 85},  {85, 255, 255},
+                             {255, 85, 85}, {255, 85, 255}, {255, 255, 85}, {255, 255, 255}};
     std::copy(std::begin(colours), std::end(colours), p.begin());
     return p;
   }();
@@ -260,14 +269,16 @@ int PcxInfo(ImageInfo& info, const std::string& path, int /*purpose*/) {
   if (!in.Open(path)) return kOpenError;
   info.fileSize = static_cast<int32_t>(in.Size());
   uint8_t h[kHeaderBytes];
-  if (!in.ReadExact(h, kHeaderBytes) || h[kManufacturer] != kManufacturerMark) return kCorruptedFile;
+  if (!in.ReadExact(h, kHeaderBytes) || h[kManufacturer] != kManufacturerMark)
+    return kCorruptedFile;
   const Header header = ParseHeader(h);
   if (!Describable(header)) return kCorruptedFile;
   info.width = static_cast<uint32_t>(header.width);
   info.depth = header.depth;
   info.bits = header.bits;
   // A four-plane picture reports one plane's worth, as it always has.
-  uint32_t unpacked = static_cast<uint32_t>(header.bytesPerLine) * static_cast<uint32_t>(header.depth);
+  uint32_t unpacked =
+      static_cast<uint32_t>(header.bytesPerLine) * static_cast<uint32_t>(header.depth);
   if (header.bits == 24) unpacked *= header.planes;
   info.unpackedSize = unpacked;
   return LoadPalette(in, h, header, info.palette);
@@ -281,7 +292,8 @@ int PcxRead(ImageInfo& info, const std::string& path) {
   if (!Describable(header)) return kCorruptedFile;
   // The record describes the picture the store was made for; a file changed since info was taken
   // must not write outside it.
-  if (info.width < static_cast<uint32_t>(header.width)) header.width = static_cast<int32_t>(info.width);
+  if (info.width < static_cast<uint32_t>(header.width))
+    header.width = static_cast<int32_t>(info.width);
   header.depth = std::min(header.depth, info.depth);
   try {
     return ReadRows(info, in, header);
@@ -294,7 +306,8 @@ int PcxWrite(ImageInfo& info, const std::string& path) {
   const uint32_t width = info.width;
   const Layout layout = LayoutFor(info.bits, width);
   // The header holds signed 16-bit sizes: a larger picture cannot be described in it.
-  if (width == 0 || width > 0x7FFF || info.depth <= 0 || info.depth > 0x8000) return kUnsuitableImage;
+  if (width == 0 || width > 0x7FFF || info.depth <= 0 || info.depth > 0x8000)
+    return kUnsuitableImage;
 
   OutputFile out;
   if (!out.Create(path)) return kCreateError;
@@ -302,7 +315,8 @@ int PcxWrite(ImageInfo& info, const std::string& path) {
   std::vector<uint8_t> plane;
   try {
     // Two bytes of slack: the run test looks one byte past the end of what it codes.
-    const auto size = static_cast<size_t>(std::max<uint64_t>(WorkingRowSize(width, info.bits), width + 2));
+    const auto size =
+        static_cast<size_t>(std::max<uint64_t>(WorkingRowSize(width, info.bits), width + 2));
     row.assign(size, 0);
     plane.assign(size, 0);
   } catch (const std::bad_alloc&) {

@@ -33,7 +33,9 @@ enum HeaderOffset : size_t {
 };
 constexpr size_t kHeaderBytes = 13;
 
-bool Is(const uint8_t* type, const char* name) { return std::memcmp(type, name, 4) == 0; }
+bool Is(const uint8_t* type, const char* name) {
+  return std::memcmp(type, name, 4) == 0;
+}
 
 // A whole chunk: length, type, data and the CRC over type and data.
 bool WriteChunk(OutputFile& out, const char* type, const uint8_t* data, size_t length) {
@@ -75,7 +77,9 @@ Layout LayoutFor(uint32_t bits, uint32_t width) {
 int WriteImage(ImageInfo& info, OutputFile& out, const Layout& layout, int level) {
   std::vector<uint8_t> row;
   try {
-    row.assign(static_cast<size_t>(std::max<uint64_t>(WorkingRowSize(info.width, info.bits), layout.rowBytes)), 0);
+    row.assign(static_cast<size_t>(
+                   std::max<uint64_t>(WorkingRowSize(info.width, info.bits), layout.rowBytes)),
+               0);
   } catch (const std::bad_alloc&) {
     return kMemoryError;
   }
@@ -83,7 +87,8 @@ int WriteImage(ImageInfo& info, OutputFile& out, const Layout& layout, int level
   if (!out.Write("\0\0\0\0IDAT", 8)) return kWriteError;
   PngDeflate deflate;
   const auto rowBytes = static_cast<size_t>(layout.rowBytes);
-  if (!PngBeginDeflate(deflate, out, level, rowBytes, layout.filterBytesPerPixel)) return kWriteError;
+  if (!PngBeginDeflate(deflate, out, level, rowBytes, layout.filterBytesPerPixel))
+    return kWriteError;
   for (int32_t r = 0; r < info.depth; ++r) {
     if (info.getLine(row, r) != 0) return kCancelled;
     if (!PngDeflateData(deflate, {row.data(), rowBytes})) return kWriteError;
@@ -105,22 +110,29 @@ void PngGreyRamp(uint32_t bits, Palette& palette) {
   const uint32_t entries = 1u << std::min(bits, 8u);
   const uint32_t step = 256 / entries;
   for (uint32_t i = 0; i < entries; ++i) {
-    const auto v = static_cast<uint8_t>(Luminance(static_cast<int>(step * i), static_cast<int>(step * i),
-                                                  static_cast<int>(step * i)));
+    const auto v = static_cast<uint8_t>(Luminance(
+        static_cast<int>(step * i), static_cast<int>(step * i), static_cast<int>(step * i)));
     palette[i] = Rgb{v, v, v};
   }
 }
 
 int PngResultCode(int result) {
   switch (result) {
-    case kPngOk: return kOk;
-    case kPngNoMemory: return kMemoryError;
+    case kPngOk:
+      return kOk;
+    case kPngNoMemory:
+      return kMemoryError;
     case kPngCannotRead:
-    case kPngTruncated: return kReadError;
-    case kPngWriteFailed: return kWriteError;
-    case kPngNoImage: return kNoBitmap;
-    case kPngCancelled: return kCancelled;
-    default: return kCorruptedFile;
+    case kPngTruncated:
+      return kReadError;
+    case kPngWriteFailed:
+      return kWriteError;
+    case kPngNoImage:
+      return kNoBitmap;
+    case kPngCancelled:
+      return kCancelled;
+    default:
+      return kCorruptedFile;
   }
 }
 
@@ -151,7 +163,8 @@ int PngInfo(ImageInfo& info, const std::string& path, int /*purpose*/) {
       const uint32_t width = LoadBe32(h + kWidth);
       const uint32_t height = LoadBe32(h + kHeight);
       // The format allows 1 to 2^31 - 1 each way; nothing else can describe a picture.
-      if (width == 0 || height == 0 || width > 0x7FFFFFFF || height > 0x7FFFFFFF) return kCorruptedFile;
+      if (width == 0 || height == 0 || width > 0x7FFFFFFF || height > 0x7FFFFFFF)
+        return kCorruptedFile;
       haveHeader = true;
       info.width = width;
       info.depth = static_cast<int32_t>(height);
@@ -160,7 +173,9 @@ int PngInfo(ImageInfo& info, const std::string& path, int /*purpose*/) {
       info.unpackedSize = static_cast<uint32_t>(((width + 7u) & ~7u) * height);
       info.description = LoadMessage(h[kInterlace] == 0 ? kStrNoInterlace : kStrAdam7Interlace);
       switch (h[kColourType]) {
-        case 0: PngGreyRamp(info.bits, info.palette); break;
+        case 0:
+          PngGreyRamp(info.bits, info.palette);
+          break;
         case 2:
         case 6:
           info.bits = 24;
@@ -170,12 +185,14 @@ int PngInfo(ImageInfo& info, const std::string& path, int /*purpose*/) {
           info.bits = 8;
           PngGreyRamp(8, info.palette);
           break;
-        default: break;  // 3, palette: the bit depth, and the colours from PLTE
+        default:
+          break;  // 3, palette: the bit depth, and the colours from PLTE
       }
     } else if (Is(type, "PLTE")) {
       uint8_t table[768];
       const size_t n = in.Read(table, std::min<size_t>(length, sizeof table));
-      for (size_t i = 0; i < n / 3; ++i) info.palette[i] = Rgb{table[3 * i], table[3 * i + 1], table[3 * i + 2]};
+      for (size_t i = 0; i < n / 3; ++i)
+        info.palette[i] = Rgb{table[3 * i], table[3 * i + 1], table[3 * i + 2]};
     } else if (Is(type, "IEND")) {
       break;
     }

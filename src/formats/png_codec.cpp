@@ -38,7 +38,9 @@ inline uint8_t Paeth(uint8_t a, uint8_t b, uint8_t c) {
 }
 
 // The filtered byte taken as signed: the heuristic adds up how far each is from zero.
-inline uint32_t Cost(uint8_t v) { return v < 128 ? v : 256u - v; }
+inline uint32_t Cost(uint8_t v) {
+  return v < 128 ? v : 256u - v;
+}
 
 // Each filter in a loop of its own, so that the compiler can keep each one simple and fast; the
 // first `bpp` bytes, which have no left neighbour, come first. Answers the row's cost.
@@ -136,7 +138,9 @@ struct PngDeflate::State {
 
 PngDeflate::PngDeflate() = default;
 PngDeflate::~PngDeflate() = default;
-uint64_t PngDeflate::Written() const { return state_ ? state_->written : 0; }
+uint64_t PngDeflate::Written() const {
+  return state_ ? state_->written : 0;
+}
 
 bool PngBeginDeflate(PngDeflate& deflate, OutputFile& file, int level, size_t bytesPerRow,
                      int bytesPerPixel) {
@@ -146,7 +150,8 @@ bool PngBeginDeflate(PngDeflate& deflate, OutputFile& file, int level, size_t by
   s->bytesPerPixel = static_cast<size_t>(bytesPerPixel);
   // Filtered rows compress best with the strategy made for them.
   const int strategy = bytesPerPixel > 0 ? Z_FILTERED : Z_DEFAULT_STRATEGY;
-  if (deflateInit2(&s->zs, std::clamp(level, 1, 9), Z_DEFLATED, 15, 8, strategy) != Z_OK) return false;
+  if (deflateInit2(&s->zs, std::clamp(level, 1, 9), Z_DEFLATED, 15, 8, strategy) != Z_OK)
+    return false;
   s->open = true;
   s->previous.assign(bytesPerRow, 0);
   s->candidate.assign(bytesPerRow + 1, 0);

@@ -50,19 +50,19 @@ bool PngEndDeflate(PngDeflate& deflate);
 // Results of PngUnpackImage.
 enum PngResult : int {
   kPngOk = 0,
-  kPngNotPng = 1,        // no PNG signature
-  kPngBadHeader = 2,     // IHDR missing or wrong
+  kPngNotPng = 1,     // no PNG signature
+  kPngBadHeader = 2,  // IHDR missing or wrong
   kPngNoMemory = 3,
-  kPngCannotRead = 4,    // the file cannot be opened
+  kPngCannotRead = 4,  // the file cannot be opened
   kPngWriteFailed = 5,
-  kPngBadChunk = 6,      // a chunk before the image data is damaged
-  kPngBadData = 7,       // the image data cannot be decompressed or unfiltered
+  kPngBadChunk = 6,  // a chunk before the image data is damaged
+  kPngBadData = 7,   // the image data cannot be decompressed or unfiltered
   kPngUnsupported = 8,
-  kPngNoImage = 9,       // no IDAT chunk before IEND
+  kPngNoImage = 9,  // no IDAT chunk before IEND
   kPngBadPalette = 10,
   kPngTooLarge = 11,
-  kPngTruncated = 12,    // the file ends inside the data
-  kPngCancelled = 13,    // the sink asked to stop
+  kPngTruncated = 12,  // the file ends inside the data
+  kPngCancelled = 13,  // the sink asked to stop
 };
 
 // Decodes the whole file and delivers every row to info.putLine in the program's row formats:

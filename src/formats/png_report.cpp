@@ -63,7 +63,9 @@ bool Detailed(const uint8_t* type) {
   return false;
 }
 
-const char* YesNo(bool yes) { return yes ? "YES" : "NO"; }
+const char* YesNo(bool yes) {
+  return yes ? "YES" : "NO";
+}
 
 // Inflates zlib data, keeping at most `limit` bytes; what was inflated before damage is kept.
 std::string Inflate(std::span<const uint8_t> data, size_t limit) {
@@ -86,7 +88,8 @@ std::string Inflate(std::span<const uint8_t> data, size_t limit) {
 }
 
 // "keyword: text" of a tEXt, zTXt or iTXt chunk; nothing for any other chunk.
-std::optional<std::string> TextOf(const uint8_t* type, std::span<const uint8_t> data, size_t limit) {
+std::optional<std::string> TextOf(const uint8_t* type, std::span<const uint8_t> data,
+                                  size_t limit) {
   const auto* begin = reinterpret_cast<const char*>(data.data());
   const std::string_view all(begin, data.size());
   const size_t end = all.find('\0');
@@ -119,8 +122,9 @@ std::optional<std::string> TextOf(const uint8_t* type, std::span<const uint8_t> 
   return text;
 }
 
-const char* const kMonths[] = {"January", "February", "March",     "April",   "May",      "June",
-                               "July",    "August",   "September", "October", "November", "December"};
+const char* const kMonths[] = {"January",   "February", "March",    "April",
+                               "May",       "June",     "July",     "August",
+                               "September", "October",  "November", "December"};
 
 // The picture's size, once IHDR has been seen.
 struct Size {
@@ -186,8 +190,7 @@ int PngList(ImageInfo& /*info*/, const std::string& path, std::vector<std::strin
     first = false;
     char name[5] = {};
     std::memcpy(name, type, 4);
-    out.Add(FormatText("CHUNK %4.4s -- SIZE %lu BYTES", name,
-                       static_cast<unsigned long>(length)));
+    out.Add(FormatText("CHUNK %4.4s -- SIZE %lu BYTES", name, static_cast<unsigned long>(length)));
     out.Add(LoadMessage(kStrSeparator));
     out.Add(TitleOf(type));
     if (Detailed(type)) {
@@ -202,7 +205,8 @@ int PngList(ImageInfo& /*info*/, const std::string& path, std::vector<std::strin
         out.Add("Error reading data for this block.");
         break;
       }
-      if (length > kReportData) out.Add("Too much data -- this data block has been truncated to fit.");
+      if (length > kReportData)
+        out.Add("Too much data -- this data block has been truncated to fit.");
       Details(type, buffer, size, out);
     }
     if (checkCrc) {
@@ -222,7 +226,8 @@ int PngList(ImageInfo& /*info*/, const std::string& path, std::vector<std::strin
         out.Add("Error reading data for this block.");
         break;
       }
-      out.Add(FormatText("Calculated CRC: %.8lXH -- Block CRC: %.8lXH", static_cast<unsigned long>(crc),
+      out.Add(FormatText("Calculated CRC: %.8lXH -- Block CRC: %.8lXH",
+                         static_cast<unsigned long>(crc),
                          static_cast<unsigned long>(LoadBe32(stored))));
     }
     if (std::memcmp(type, "IEND", 4) == 0 || !in.Seek(data + length + 4)) break;

@@ -29,7 +29,7 @@ struct Job {
   png_infop pngInfo = nullptr;
   bool shortRead = false;
   bool noMemory = false;
-  bool inData = false;  // past the header: the rows are being decoded
+  bool inData = false;       // past the header: the rows are being decoded
   std::vector<uint8_t> raw;  // one row as libpng gives it, or the whole Adam 7 picture
   std::vector<uint8_t> out;  // one row in the program's packing
 
@@ -63,7 +63,9 @@ void ReadData(png_structp png, png_bytep data, size_t length) {
   }
 }
 
-void OnError(png_structp png, png_const_charp) { png_longjmp(png, 1); }
+void OnError(png_structp png, png_const_charp) {
+  png_longjmp(png, 1);
+}
 void OnWarning(png_structp, png_const_charp) {}
 
 png_voidp Allocate(png_structp png, png_alloc_size_t size) {
@@ -71,7 +73,9 @@ png_voidp Allocate(png_structp png, png_alloc_size_t size) {
   if (!p) static_cast<Job*>(png_get_mem_ptr(png))->noMemory = true;
   return p;
 }
-void Release(png_structp, png_voidp p) { std::free(p); }
+void Release(png_structp, png_voidp p) {
+  std::free(p);
+}
 
 // Two-bit rows (grey or palette) become 4-bit rows, two pixels a byte, high nibble first.
 void TwoToFour(const uint8_t* in, uint32_t width, uint8_t* out) {
@@ -120,7 +124,9 @@ int DecodeFenced(Job* job) {
   if (colour == PNG_COLOR_TYPE_GRAY_ALPHA) bits = 8;
   const size_t rowBytes = png_get_rowbytes(png, info);
   // Rows that need no conversion are decoded straight into the delivered row.
-  const uint64_t rawBytes = interlaced ? static_cast<uint64_t>(rowBytes) * height : twoBit ? rowBytes : 0;
+  const uint64_t rawBytes = interlaced ? static_cast<uint64_t>(rowBytes) * height
+                            : twoBit   ? rowBytes
+                                       : 0;
   const uint64_t outBytes = std::max<uint64_t>(WorkingRowSize(width, bits), rowBytes);
   if (rawBytes > SIZE_MAX / 2 || outBytes > SIZE_MAX / 2 ||
       !job->Prepare(static_cast<size_t>(rawBytes), static_cast<size_t>(outBytes)))
@@ -136,7 +142,8 @@ int DecodeFenced(Job* job) {
   } else {
     // Adam 7 fills every row in seven passes: the whole picture is needed before any row is done.
     for (int pass = 0; pass < passes; ++pass)
-      for (png_uint_32 y = 0; y < height; ++y) png_read_row(png, raw + static_cast<size_t>(y) * rowBytes, nullptr);
+      for (png_uint_32 y = 0; y < height; ++y)
+        png_read_row(png, raw + static_cast<size_t>(y) * rowBytes, nullptr);
     for (png_uint_32 y = 0; y < height; ++y)
       if (Deliver(job, raw + static_cast<size_t>(y) * rowBytes, rowBytes, width, twoBit, y))
         return kPngCancelled;

@@ -42,7 +42,9 @@ struct Decoded {
   ImageInfo info;
   std::map<int32_t, Bytes> rows;  // each cut to the stored row length
   std::vector<int32_t> order;     // row numbers as they came
-  uint32_t Pixel(uint32_t x, int32_t y) const { return PixelAt(rows.at(y).data(), x, StorageBits(info.bits)); }
+  uint32_t Pixel(uint32_t x, int32_t y) const {
+    return PixelAt(rows.at(y).data(), x, StorageBits(info.bits));
+  }
 };
 
 // Info then read; the sink answers 1 on its `abortOn`-th call (counting from 1).

@@ -37,7 +37,8 @@ std::string Table(std::initializer_list<Rgb> colours) {
 
 std::string Header(const char* signature, uint32_t width, uint32_t height, int flags,
                    int background, const std::string& table = "") {
-  return std::string(signature) + Le(width, 2) + Le(height, 2) + Raw({flags, background, 0}) + table;
+  return std::string(signature) + Le(width, 2) + Le(height, 2) + Raw({flags, background, 0}) +
+         table;
 }
 
 // Sub-blocks of at most 255 bytes and the terminator.
@@ -51,8 +52,8 @@ std::string Blocks(const std::string& payload) {
 }
 
 // An image block: descriptor, local table, code size and LZW data of `pixels` (row by row).
-std::string Image(uint32_t width, uint32_t height, int flags, const std::string& local, int codeSize,
-                  const Bytes& pixels) {
+std::string Image(uint32_t width, uint32_t height, int flags, const std::string& local,
+                  int codeSize, const Bytes& pixels) {
   GifLzwEncoder encoder(codeSize);
   Bytes code;
   encoder.Add(pixels.data(), pixels.size(), code);
@@ -84,9 +85,10 @@ TEST(GifWrite, HeaderDescriptorAndTableForEveryDepth) {
       EXPECT_EQ(f.substr(0, 13), "GIF89a" + Le(5, 2) + Le(3, 2) + Raw({flags[bits - 1], 0, 0}));
       EXPECT_EQ(f.substr(13 + table - 3, 3), Raw({1, 2, 3}));  // the table's last entry
       // The descriptor's low bits say bits - 1 though no local table follows; then the code size.
-      EXPECT_EQ(f.substr(13 + table, 11), Raw({0x2C}) + Le(0, 4) + Le(5, 2) + Le(3, 2) +
-                                              Raw({static_cast<int>(bits - 1 + (interlaced ? 0x40 : 0)),
-                                                   static_cast<int>(std::max(bits, 2u))}));
+      EXPECT_EQ(f.substr(13 + table, 11),
+                Raw({0x2C}) + Le(0, 4) + Le(5, 2) + Le(3, 2) +
+                    Raw({static_cast<int>(bits - 1 + (interlaced ? 0x40 : 0)),
+                         static_cast<int>(std::max(bits, 2u))}));
       EXPECT_EQ(f.substr(f.size() - 2), Raw({0, 0x3B}));
     }
 }
@@ -107,7 +109,8 @@ TEST(GifWrite, CommentSubBlocksAndWhereTheTextComesFrom) {
   settings->PromptForGifComments = 1;
   ScriptedHost host;
   host.commentAnswer = text;
-  EXPECT_EQ(comment(&host), Raw({0x21, 0xFE, 255}) + text.substr(0, 255) + Raw({45}) + text.substr(255) + Raw({0, 0x3B}));
+  EXPECT_EQ(comment(&host), Raw({0x21, 0xFE, 255}) + text.substr(0, 255) + Raw({45}) +
+                                text.substr(255) + Raw({0, 0x3B}));
   EXPECT_EQ(host.commentPrompts, std::vector<std::string>{""});
   host.commentAnswer = text.substr(0, 255);
   EXPECT_EQ(comment(&host), Raw({0x21, 0xFE, 255}) + text.substr(0, 255) + Raw({0, 0x3B}));
@@ -140,7 +143,8 @@ TEST(GifRoundTrip, EveryDepthPlainAndInterlaced) {
   for (bool interlaced : {false, true})
     for (uint32_t bits = 1; bits <= 8; ++bits)
       for (auto [w, h] : {std::pair{1u, 1}, {7u, 3}, {33u, 17}, {300u, 9}}) {
-        SCOPED_TRACE(testing::Message() << w << "x" << h << "x" << bits << (interlaced ? " interlaced" : ""));
+        SCOPED_TRACE(testing::Message()
+                     << w << "x" << h << "x" << bits << (interlaced ? " interlaced" : ""));
         ScopedSettings settings;
         settings->WriteGIFInterlaced = interlaced;
         Picture p = Pattern(w, h, bits, w + bits);
@@ -149,8 +153,10 @@ TEST(GifRoundTrip, EveryDepthPlainAndInterlaced) {
         ASSERT_EQ(test::ReadPicture(dir / "r.gif", q), kOk);
         ASSERT_EQ(q.bits, bits);
         for (int32_t y = 0; y < p.depth; ++y)
-          for (uint32_t x = 0; x < p.width; ++x) ASSERT_EQ(q.Pixel(x, y), p.Pixel(x, y)) << x << "," << y;
-        for (uint32_t i = bits == 1 ? 2 : 0; i < (1u << bits); ++i) EXPECT_EQ(q.palette[i], p.palette[i]);
+          for (uint32_t x = 0; x < p.width; ++x)
+            ASSERT_EQ(q.Pixel(x, y), p.Pixel(x, y)) << x << "," << y;
+        for (uint32_t i = bits == 1 ? 2 : 0; i < (1u << bits); ++i)
+          EXPECT_EQ(q.palette[i], p.palette[i]);
       }
 }
 
@@ -170,7 +176,8 @@ TEST(GifRead, HeaderPlacesPalettesAndImageChoice) {
   // A two-colour table of red and blue shows black and white.
   EXPECT_EQ(d.info.palette[0], (Rgb{0, 0, 0}));
   EXPECT_EQ(d.info.palette[1], (Rgb{255, 255, 255}));
-  for (uint32_t i = 0; i < 12; ++i) EXPECT_EQ(d.Pixel(i % 4, static_cast<int32_t>(i / 4)), pixels[i]);
+  for (uint32_t i = 0; i < 12; ++i)
+    EXPECT_EQ(d.Pixel(i % 4, static_cast<int32_t>(i / 4)), pixels[i]);
 
   // Three images; with MultipleImageGIF on, index 2 takes the third descriptor's size and
   // local table. Stray bytes between blocks are passed over.
@@ -249,12 +256,12 @@ TEST(GifList, BlockReportAndComments) {
   const std::string file =
       std::string(128, '\0').replace(1, 6, "\x05Snaps") +  // a MacBinary header named "Snaps"
       Header("GIF89a", 3, 2, 0x80, 1, Table({{0, 0, 0}, {1, 1, 1}})) +
-      Raw({0x21, 0xF9, 4, 0x0B, 0xF4, 0x01, 5, 0}) +                  // dispose to background
-      Raw({0x21, 0xFE}) + Blocks("Hi\r\x01there") +                   // comment
+      Raw({0x21, 0xF9, 4, 0x0B, 0xF4, 0x01, 5, 0}) +                    // dispose to background
+      Raw({0x21, 0xFE}) + Blocks("Hi\r\x01there") +                     // comment
       Raw({0x21, 0xFF, 11}) + "NETSCAPE2.0" + Blocks("\x01\x00\x00") +  // application
       Raw({0x21, 0x01, 12}) + Le(1, 2) + Le(2, 2) + Le(30, 2) + Le(8, 2) + Raw({6, 8, 1, 0}) +
-      Blocks("text") +                                                // plain text
-      Raw({0x21, 0x99}) + Blocks("zz") +                               // unknown
+      Blocks("text") +                    // plain text
+      Raw({0x21, 0x99}) + Blocks("zz") +  // unknown
       Image(3, 2, 0, "", 2, Indices(6, 2, 0)) +
       Image(3, 2, 0xC1, Table({{}, {}, {}, {}}), 2, Indices(6, 4, 0)).substr(0, 20);
   test::WriteFileBytes(dir / "a.gif", file);
@@ -262,21 +269,56 @@ TEST(GifList, BlockReportAndComments) {
   std::vector<std::string> lines;
   ASSERT_EQ(GifList(info, dir / "a.gif", lines), kOk);
   const std::string sep(49, '-');
-  const std::vector<std::string> want = {
-      "SCREEN DESCRIPTOR", sep, "Macintosh name:\t\t Snaps", "Screen dimensions:\t 3 by 2",
-      "Screen bits: \t\t 1", "Background colour:\t 1", "Global palette:\t\t YES",
-      "", "CONTROL BLOCK", sep, "This block requires 4 bytes", "Dispose to background colour",
-      "User input required - delay for 5 seconds", "Transparent colour: 5",
-      "", "COMMENT BLOCK", sep, "Hi", "there",
-      "", "GIF APPLICATION BLOCK", sep, "GIF APPLICATION identification string: NETSCAPE",
-      "", "PLAIN TEXT BLOCK", sep, "This block requires 12 bytes", "Text location at (1,2)",
-      "Grid dimensions are 30 by 8", "Cell dimensions are 6 by 8", "Foregound colour is 1",
-      "Background colour is 0",
-      "", "Skipping unknown extension type 99",
-      "", "IMAGE BLOCK", sep, "Image dimensions:\t 3 by 2", "Image bits:\t\t 1",
-      "Local palette:\t\t NO", "Interlaced:\t\t NO",
-      "", "IMAGE BLOCK", sep, "Image dimensions:\t 3 by 2", "Image bits:\t\t 2",
-      "Local palette:\t\t YES", "Interlaced:\t\t YES", sep, "Unexpected end of image"};
+  const std::vector<std::string> want = {"SCREEN DESCRIPTOR",
+                                         sep,
+                                         "Macintosh name:\t\t Snaps",
+                                         "Screen dimensions:\t 3 by 2",
+                                         "Screen bits: \t\t 1",
+                                         "Background colour:\t 1",
+                                         "Global palette:\t\t YES",
+                                         "",
+                                         "CONTROL BLOCK",
+                                         sep,
+                                         "This block requires 4 bytes",
+                                         "Dispose to background colour",
+                                         "User input required - delay for 5 seconds",
+                                         "Transparent colour: 5",
+                                         "",
+                                         "COMMENT BLOCK",
+                                         sep,
+                                         "Hi",
+                                         "there",
+                                         "",
+                                         "GIF APPLICATION BLOCK",
+                                         sep,
+                                         "GIF APPLICATION identification string: NETSCAPE",
+                                         "",
+                                         "PLAIN TEXT BLOCK",
+                                         sep,
+                                         "This block requires 12 bytes",
+                                         "Text location at (1,2)",
+                                         "Grid dimensions are 30 by 8",
+                                         "Cell dimensions are 6 by 8",
+                                         "Foregound colour is 1",
+                                         "Background colour is 0",
+                                         "",
+                                         "Skipping unknown extension type 99",
+                                         "",
+                                         "IMAGE BLOCK",
+                                         sep,
+                                         "Image dimensions:\t 3 by 2",
+                                         "Image bits:\t\t 1",
+                                         "Local palette:\t\t NO",
+                                         "Interlaced:\t\t NO",
+                                         "",
+                                         "IMAGE BLOCK",
+                                         sep,
+                                         "Image dimensions:\t 3 by 2",
+                                         "Image bits:\t\t 2",
+                                         "Local palette:\t\t YES",
+                                         "Interlaced:\t\t YES",
+                                         sep,
+                                         "Unexpected end of image"};
   EXPECT_EQ(lines, want);
 
   std::string text;
@@ -284,7 +326,8 @@ TEST(GifList, BlockReportAndComments) {
   EXPECT_EQ(text, std::string("Hi\r\x01there") + "\r" + "text");
   // Long text lines break at 56 characters and the list keeps 55 of them; 128 lines at most.
   std::string many = Header("GIF89a", 1, 1, 0, 0);
-  for (int i = 0; i < 40; ++i) many += Raw({0x21, 0xFE}) + Blocks(std::string(60, static_cast<char>('a' + i % 26)));
+  for (int i = 0; i < 40; ++i)
+    many += Raw({0x21, 0xFE}) + Blocks(std::string(60, static_cast<char>('a' + i % 26)));
   test::WriteFileBytes(dir / "b.gif", many);
   lines.clear();
   ASSERT_EQ(GifList(info, dir / "b.gif", lines), kOk);

@@ -23,11 +23,12 @@ test::Decoded Decode(const std::string& path, int abortOn = 0) {
 }
 
 // A 128-byte header; the coded rows follow it.
-std::string Header(int version, int bitsPerPixel, int planes, int width, int depth, int bytesPerLine,
-                   const std::string& palette48 = std::string(48, '\0')) {
-  std::string h = Raw({10, version, 1, bitsPerPixel}) + Le(0, 4) + Le(static_cast<uint32_t>(width - 1), 2) +
-                  Le(static_cast<uint32_t>(depth - 1), 2) + Le(72, 4) + palette48 + Raw({0, planes}) +
-                  Le(static_cast<uint32_t>(bytesPerLine), 2) + Le(1, 2);
+std::string Header(int version, int bitsPerPixel, int planes, int width, int depth,
+                   int bytesPerLine, const std::string& palette48 = std::string(48, '\0')) {
+  std::string h = Raw({10, version, 1, bitsPerPixel}) + Le(0, 4) +
+                  Le(static_cast<uint32_t>(width - 1), 2) +
+                  Le(static_cast<uint32_t>(depth - 1), 2) + Le(72, 4) + palette48 +
+                  Raw({0, planes}) + Le(static_cast<uint32_t>(bytesPerLine), 2) + Le(1, 2);
   return h + std::string(128 - h.size(), '\0');
 }
 
@@ -42,10 +43,10 @@ TEST(PcxEncode, RunsCountEqualNeighboursAndLookPastTheRow) {
     EXPECT_TRUE(out.Commit());
     return test::ReadFileBytes(dir / "o");
   };
-  EXPECT_EQ(encode({5, 5, 7}, {0, 0}), Raw({193, 5, 5, 7}));        // a run of one, then literals
-  EXPECT_EQ(encode(Bytes(64, 9), {1, 0}), Raw({255, 9, 9}));        // 63 copies and the last again
-  EXPECT_EQ(encode(Bytes(64, 9), {9, 0}), Raw({255, 9, 193, 9}));   // the byte after joins the run
-  EXPECT_EQ(encode({200}, {0, 0}), Raw({193, 200}));                // a literal of 192 or more
+  EXPECT_EQ(encode({5, 5, 7}, {0, 0}), Raw({193, 5, 5, 7}));       // a run of one, then literals
+  EXPECT_EQ(encode(Bytes(64, 9), {1, 0}), Raw({255, 9, 9}));       // 63 copies and the last again
+  EXPECT_EQ(encode(Bytes(64, 9), {9, 0}), Raw({255, 9, 193, 9}));  // the byte after joins the run
+  EXPECT_EQ(encode({200}, {0, 0}), Raw({193, 200}));               // a literal of 192 or more
   EXPECT_EQ(encode(Bytes(130, 0), {5, 0}), Raw({255, 0, 255, 0, 195, 0, 0}));
 }
 
@@ -58,7 +59,8 @@ TEST(PcxRead, RunCountOutlivesTheRow) {
                                           Raw({0xC6, 7, 1, 2, 0xC0, 9, 0xC2, 3, 5, 6, 0xC2, 8}));
   test::Decoded d = Decode(dir / "a.pcx");
   ASSERT_EQ(d.readCode, kOk);
-  const std::vector<Bytes> want = {{7, 7, 7, 7}, {7, 7, 1, 2}, {2, 2, 2, 2}, {3, 3, 5, 6}, {8, 8, 0, 0}};
+  const std::vector<Bytes> want = {
+      {7, 7, 7, 7}, {7, 7, 1, 2}, {2, 2, 2, 2}, {3, 3, 5, 6}, {8, 8, 0, 0}};
   for (int32_t y = 0; y < 5; ++y) EXPECT_EQ(d.rows[y], want[static_cast<size_t>(y)]) << y;
   // A row start with no run pending leaves -1 too: after a row of literals the next row is
   // filled, and the literal read after it lands past its end.
@@ -80,9 +82,10 @@ TEST(PcxWrite, PlanesAndHeaders) {
     palette += Raw({i, 1, 2});
   }
   ASSERT_EQ(test::WritePicture(p, dir / "a.pcx"), kOk);
-  std::string want = Raw({10, 5, 1, 1}) + Le(0, 4) + Le(4, 2) + Le(0, 2) + Le(300, 2) + Le(300, 2) + palette +
-                     Raw({0, 3}) + Le(1, 2) + Le(1, 2);
-  EXPECT_EQ(test::ReadFileBytes(dir / "a.pcx"), want + std::string(128 - want.size(), '\0') + Raw({0xAC, 0x64, 0x1C}));
+  std::string want = Raw({10, 5, 1, 1}) + Le(0, 4) + Le(4, 2) + Le(0, 2) + Le(300, 2) + Le(300, 2) +
+                     palette + Raw({0, 3}) + Le(1, 2) + Le(1, 2);
+  EXPECT_EQ(test::ReadFileBytes(dir / "a.pcx"),
+            want + std::string(128 - want.size(), '\0') + Raw({0xAC, 0x64, 0x1C}));
   test::Decoded d = Decode(dir / "a.pcx");
   EXPECT_EQ(d.info.bits, 3u);
   EXPECT_EQ(d.rows[0], (Bytes{0x12, 0x34, 0x50, 0}));  // back as 4-bit pixels
@@ -91,7 +94,8 @@ TEST(PcxWrite, PlanesAndHeaders) {
   // run of one, a literal and C8 behind a count; green 0B 0B 0B a run of two and a literal.
   Picture c = Picture::Blank(3, 1, 24);
   c.palette = p.palette;
-  for (uint32_t x = 0; x < 3; ++x) c.SetPixel(x, 0, std::vector<uint32_t>{0x0A0B0C, 0x0A0B0D, 0xC80B0E}[x]);
+  for (uint32_t x = 0; x < 3; ++x)
+    c.SetPixel(x, 0, std::vector<uint32_t>{0x0A0B0C, 0x0A0B0D, 0xC80B0E}[x]);
   ASSERT_EQ(test::WritePicture(c, dir / "c.pcx"), kOk);
   const std::string f = test::ReadFileBytes(dir / "c.pcx");
   EXPECT_EQ(f.substr(0, 4), Raw({10, 5, 1, 8}));
@@ -113,13 +117,17 @@ TEST(PcxInfo, DepthPaletteAndSizeRules) {
     Rgb colour;
   };
   const Case cases[] = {
-      {Header(5, 1, 1, 9, 2, 2, header48) + body, 1, 4, 1, {255, 255, 255}},   // black and white
-      {Header(5, 1, 4, 9, 2, 2, header48) + body, 4, 4, 5, {5, 10, 15}},       // one plane's size
-      {Header(3, 1, 4, 9, 2, 2, header48) + body, 4, 4, 6, {170, 170, 0}},     // the default
+      {Header(5, 1, 1, 9, 2, 2, header48) + body, 1, 4, 1, {255, 255, 255}},  // black and white
+      {Header(5, 1, 4, 9, 2, 2, header48) + body, 4, 4, 5, {5, 10, 15}},      // one plane's size
+      {Header(3, 1, 4, 9, 2, 2, header48) + body, 4, 4, 6, {170, 170, 0}},    // the default
       {Header(2, 2, 1, 9, 2, 2, header48) + body, 2, 4, 3, {3, 6, 9}},
       {Header(5, 8, 1, 9, 2, 9, header48) + body + trailer, 8, 18, 200, {55, 200, 1}},
       {Header(4, 8, 1, 9, 2, 9, header48) + body + trailer, 8, 18, 2, {2, 4, 6}},  // version 4
-      {Header(5, 8, 1, 9, 2, 9, header48) + std::string(900, '\1'), 8, 18, 15, {15, 30, 45}},  // no mark
+      {Header(5, 8, 1, 9, 2, 9, header48) + std::string(900, '\1'),
+       8,
+       18,
+       15,
+       {15, 30, 45}},  // no mark
       {Header(5, 8, 3, 9, 2, 9, header48) + body, 24, 54, 77, ThumbGetPalette(0)[77]},
   };
   for (const Case& c : cases) {
@@ -143,7 +151,8 @@ TEST(PcxRead, RefusalsAndTheirCodes) {
   test::TempDir dir;
   const std::string good = Header(5, 8, 1, 2, 2, 2) + Raw({0xC2, 1, 3, 4});
   const std::pair<std::string, int> cases[] = {
-      {Raw({11}) + good.substr(1), kCorruptedFile},  // not the PCX mark; the version is not looked at
+      {Raw({11}) + good.substr(1),
+       kCorruptedFile},  // not the PCX mark; the version is not looked at
       {good.substr(0, 127), kCorruptedFile},
       {Header(5, 8, 1, 0, 2, 2), kCorruptedFile},  // no width
       {Header(5, 1, 0, 2, 2, 2), kCorruptedFile},  // no planes
@@ -179,11 +188,13 @@ TEST(PcxRoundTrip, EveryDepthAtAwkwardSizes) {
       // A row coded as literals only would spoil the next: two pixels of all ones begin every
       // row, and those always code with a count byte.
       for (int32_t y = 0; y < h; ++y)
-        for (uint32_t x = 0; x < std::min(w, 2u); ++x) p.SetPixel(x, y, bits == 24 ? 0xFFFFFF : (1u << bits) - 1);
+        for (uint32_t x = 0; x < std::min(w, 2u); ++x)
+          p.SetPixel(x, y, bits == 24 ? 0xFFFFFF : (1u << bits) - 1);
       ASSERT_EQ(test::WritePicture(p, dir / "r.pcx"), kOk);
       Picture q;
       ASSERT_EQ(test::ReadPicture(dir / "r.pcx", q), kOk);
-      EXPECT_EQ(q.bits, bits >= 5 && bits <= 8 ? 8u : bits);  // five to eight bits are written as eight
+      EXPECT_EQ(q.bits,
+                bits >= 5 && bits <= 8 ? 8u : bits);  // five to eight bits are written as eight
       for (int32_t y = 0; y < h; ++y)
         for (uint32_t x = 0; x < w; ++x) ASSERT_EQ(q.Pixel(x, y), p.Pixel(x, y)) << x << "," << y;
     }

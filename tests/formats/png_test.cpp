@@ -27,7 +27,8 @@ const std::string kSignature = Raw({137, 80, 78, 71, 13, 10, 26, 10});
 
 std::string Chunk(const std::string& type, const std::string& data) {
   const std::string body = type + data;
-  const uint32_t crc = PngUpdateCrc(0, {reinterpret_cast<const uint8_t*>(body.data()), body.size()});
+  const uint32_t crc =
+      PngUpdateCrc(0, {reinterpret_cast<const uint8_t*>(body.data()), body.size()});
   return Be(static_cast<uint32_t>(data.size()), 4) + body + Be(crc, 4);
 }
 
@@ -57,8 +58,13 @@ TEST(PngWrite, ChunksOfEveryDepth) {
     int bitDepth, colourType;
     size_t paletteBytes;
   };
-  for (const Case& c : {Case{1, 1, 3, 6}, {2, 4, 3, 48}, {3, 4, 3, 48}, {4, 4, 3, 48},
-                        {5, 8, 3, 768}, {8, 8, 3, 768}, {24, 8, 2, 0}}) {
+  for (const Case& c : {Case{1, 1, 3, 6},
+                        {2, 4, 3, 48},
+                        {3, 4, 3, 48},
+                        {4, 4, 3, 48},
+                        {5, 8, 3, 768},
+                        {8, 8, 3, 768},
+                        {24, 8, 2, 0}}) {
     SCOPED_TRACE(c.bits);
     ScopedSettings settings;
     settings->PngCompression = 0;
@@ -82,7 +88,8 @@ TEST(PngWrite, ChunksOfEveryDepth) {
     }
     // The IDAT length is what the zlib stream takes: level 1 shows in its header.
     EXPECT_EQ(chunks.data[types.size() - 2].substr(0, 2), Raw({0x78, 0x01}));
-    EXPECT_EQ(f.substr(f.size() - 12), Raw({0, 0, 0, 0, 'I', 'E', 'N', 'D', 0xAE, 0x42, 0x60, 0x82}));
+    EXPECT_EQ(f.substr(f.size() - 12),
+              Raw({0, 0, 0, 0, 'I', 'E', 'N', 'D', 0xAE, 0x42, 0x60, 0x82}));
   }
   // Level 12 compresses at 9; the text keeps the stored value. Without WriteFileComments no
   // text chunk at all.
@@ -94,7 +101,8 @@ TEST(PngWrite, ChunksOfEveryDepth) {
   EXPECT_EQ(chunks.data[3].substr(0, 2), Raw({0x78, 0xDA}));
   settings->WriteFileComments = 0;
   ASSERT_EQ(test::WritePicture(Pattern(5, 2, 24), dir / "b.png"), kOk);
-  EXPECT_EQ(Chunks(test::ReadFileBytes(dir / "b.png")).types, (std::vector<std::string>{"IHDR", "IDAT", "IEND"}));
+  EXPECT_EQ(Chunks(test::ReadFileBytes(dir / "b.png")).types,
+            (std::vector<std::string>{"IHDR", "IDAT", "IEND"}));
 }
 
 TEST(PngWrite, FilteredRowsCompressPhotographsBetter) {
@@ -107,7 +115,8 @@ TEST(PngWrite, FilteredRowsCompressPhotographsBetter) {
     EXPECT_TRUE(PngBeginDeflate(deflate, out, 6, 3 * 200, bytesPerPixel));
     std::vector<uint8_t> row(600);
     for (uint32_t y = 0; y < 100; ++y) {
-      for (uint32_t x = 0; x < 600; ++x) row[x] = static_cast<uint8_t>(x / 3 + y + ((x * 7 + y * 13) % 5));
+      for (uint32_t x = 0; x < 600; ++x)
+        row[x] = static_cast<uint8_t>(x / 3 + y + ((x * 7 + y * 13) % 5));
       EXPECT_TRUE(PngDeflateData(deflate, row));
     }
     EXPECT_TRUE(PngEndDeflate(deflate));
@@ -119,8 +128,9 @@ TEST(PngWrite, FilteredRowsCompressPhotographsBetter) {
 TEST(PngInfo, RampsDepthsAndPalettes) {
   test::TempDir dir;
   auto file = [](int depth, int colourType, int interlace, const std::string& more) {
-    return kSignature + Chunk("IHDR", Be(13, 4) + Be(3, 4) + Raw({depth, colourType, 0, 0, interlace})) +
-           more + Chunk("IDAT", "") + Chunk("IEND", "");
+    return kSignature +
+           Chunk("IHDR", Be(13, 4) + Be(3, 4) + Raw({depth, colourType, 0, 0, interlace})) + more +
+           Chunk("IDAT", "") + Chunk("IEND", "");
   };
   struct Case {
     int depth, colourType;
@@ -128,8 +138,12 @@ TEST(PngInfo, RampsDepthsAndPalettes) {
     size_t entry;
     uint8_t grey;  // the ramp's value at `entry`
   };
-  for (const Case& c : {Case{8, 0, 8, 255, 254}, {4, 0, 4, 15, 239}, {1, 0, 1, 1, 127}, {16, 0, 16, 255, 254},
-                        {8, 4, 8, 128, 127}, {16, 4, 8, 255, 254}}) {
+  for (const Case& c : {Case{8, 0, 8, 255, 254},
+                        {4, 0, 4, 15, 239},
+                        {1, 0, 1, 1, 127},
+                        {16, 0, 16, 255, 254},
+                        {8, 4, 8, 128, 127},
+                        {16, 4, 8, 255, 254}}) {
     SCOPED_TRACE(testing::Message() << c.depth << " " << c.colourType);
     test::WriteFileBytes(dir / "a.png", file(c.depth, c.colourType, 1, ""));
     ImageInfo info;
@@ -142,7 +156,8 @@ TEST(PngInfo, RampsDepthsAndPalettes) {
   // PLTE of 900 bytes fills the 768-byte palette; the walk goes on to the next chunk.
   std::string plte;
   for (int i = 0; i < 300; ++i) plte += Raw({i % 256, 1, 2});
-  test::WriteFileBytes(dir / "p.png", file(8, 3, 0, Chunk("PLTE", plte) + Chunk("PLTE", Raw({9, 9, 9}))));
+  test::WriteFileBytes(dir / "p.png",
+                       file(8, 3, 0, Chunk("PLTE", plte) + Chunk("PLTE", Raw({9, 9, 9}))));
   ImageInfo info;
   ASSERT_EQ(PngInfo(info, dir / "p.png", 0), kOk);
   EXPECT_EQ(info.description, "No interlace");
@@ -161,7 +176,7 @@ TEST(PngInfo, RampsDepthsAndPalettes) {
   }
 }
 
-TEST(PngRead, RoundTripsAndResultCodes) {
+TEST(PngRead, RoundTripsAtEveryDepth) {
   test::TempDir dir;
   for (uint32_t bits : {1u, 2u, 3u, 4u, 5u, 8u, 24u})
     for (auto [w, h] : {std::pair{1u, 1}, {7u, 3}, {33u, 17}}) {
@@ -174,12 +189,9 @@ TEST(PngRead, RoundTripsAndResultCodes) {
       const uint32_t fileBits = bits == 1 ? 1 : bits <= 4 ? 4 : bits <= 8 ? 8 : 24;
       ASSERT_EQ(info.bits, fileBits);
       for (int32_t y = 0; y < p.depth; ++y)
-        for (uint32_t x = 0; x < p.width; ++x) ASSERT_EQ(q.Pixel(x, y), p.Pixel(x, y)) << x << "," << y;
+        for (uint32_t x = 0; x < p.width; ++x)
+          ASSERT_EQ(q.Pixel(x, y), p.Pixel(x, y)) << x << "," << y;
     }
-  const std::pair<int, int> table[] = {{0, 0},  {1, 2},  {2, 2}, {3, 6},  {4, 3},  {5, 11}, {6, 2},
-                                       {7, 2},  {8, 2},  {9, 20}, {10, 2}, {11, 2}, {12, 3}, {13, 4},
-                                       {14, 2}, {-1, 2}};
-  for (auto [result, code] : table) EXPECT_EQ(PngResultCode(result), code) << result;
 }
 
 TEST(PngList, ChunkReportWithCrcs) {
@@ -187,10 +199,11 @@ TEST(PngList, ChunkReportWithCrcs) {
   ScopedSettings settings;
   settings->PngDetailCrc = 1;
   settings->WriteFileComments = 0;
-  const std::string f = kSignature + Chunk("IHDR", Be(2000, 4) + Be(1000, 4) + Raw({8, 6, 0, 0, 1})) +
-                        Chunk("gAMA", Be(45455, 4)) + Chunk("pHYs", Be(3937, 4) + Be(3937, 4) + Raw({1})) +
-                        Chunk("tIME", Be(2001, 2) + Raw({2, 3, 13, 5, 9})) + Chunk("abCd", "xy") +
-                        Chunk("tEXt", std::string("Title\0Hi", 8)) + Chunk("IEND", "");
+  const std::string f =
+      kSignature + Chunk("IHDR", Be(2000, 4) + Be(1000, 4) + Raw({8, 6, 0, 0, 1})) +
+      Chunk("gAMA", Be(45455, 4)) + Chunk("pHYs", Be(3937, 4) + Be(3937, 4) + Raw({1})) +
+      Chunk("tIME", Be(2001, 2) + Raw({2, 3, 13, 5, 9})) + Chunk("abCd", "xy") +
+      Chunk("tEXt", std::string("Title\0Hi", 8)) + Chunk("IEND", "");
   test::WriteFileBytes(dir / "a.png", f);
   std::vector<std::string> lines;
   ImageInfo info;
@@ -198,22 +211,57 @@ TEST(PngList, ChunkReportWithCrcs) {
   const std::string sep(49, '-');
   auto crc = [&](const std::string& chunk) {
     const std::string c = chunk.substr(chunk.size() - 4);
-    return FormatText("Calculated CRC: %.8lXH -- Block CRC: %.8lXH",
-                      static_cast<unsigned long>(LoadBe32(reinterpret_cast<const uint8_t*>(c.data()))),
-                      static_cast<unsigned long>(LoadBe32(reinterpret_cast<const uint8_t*>(c.data()))));
+    return FormatText(
+        "Calculated CRC: %.8lXH -- Block CRC: %.8lXH",
+        static_cast<unsigned long>(LoadBe32(reinterpret_cast<const uint8_t*>(c.data()))),
+        static_cast<unsigned long>(LoadBe32(reinterpret_cast<const uint8_t*>(c.data()))));
   };
-  const std::vector<std::string> want = {
-      "CHUNK IHDR -- SIZE 13 BYTES", sep, "HEADER", "Width: 2000", "Depth: 1000", "Bits per sample: 8",
-      "Palette: NO", "True colour: YES", "Alpha channels: YES", "Interlace type: ADAM 7",
-      crc(f.substr(8, 25)), "",
-      "CHUNK gAMA -- SIZE 4 BYTES", sep, "GAMMA", "Gamma: 0.45455", crc(f.substr(33, 16)), "",
-      "CHUNK pHYs -- SIZE 9 BYTES", sep, "PHYSICAL PIXEL DIMENSIONS", "3937 x 3937 pixels",
-      "20.0 x 10.0 inches", crc(f.substr(49, 21)), "",
-      "CHUNK tIME -- SIZE 7 BYTES", sep, "LAST IMAGE MODIFICATION TIME", "1:05:09pm February 3, 2001",
-      crc(f.substr(70, 19)), "",
-      "CHUNK abCd -- SIZE 2 BYTES", sep, "UNKNOWN OR PRIVATE CHUNK", crc(f.substr(89, 14)), "",
-      "CHUNK tEXt -- SIZE 8 BYTES", sep, "TEXT", "Title: Hi", crc(f.substr(103, 20)), "",
-      "CHUNK IEND -- SIZE 0 BYTES", sep, "END OF FILE", crc(f.substr(123, 12))};
+  const std::vector<std::string> want = {"CHUNK IHDR -- SIZE 13 BYTES",
+                                         sep,
+                                         "HEADER",
+                                         "Width: 2000",
+                                         "Depth: 1000",
+                                         "Bits per sample: 8",
+                                         "Palette: NO",
+                                         "True colour: YES",
+                                         "Alpha channels: YES",
+                                         "Interlace type: ADAM 7",
+                                         crc(f.substr(8, 25)),
+                                         "",
+                                         "CHUNK gAMA -- SIZE 4 BYTES",
+                                         sep,
+                                         "GAMMA",
+                                         "Gamma: 0.45455",
+                                         crc(f.substr(33, 16)),
+                                         "",
+                                         "CHUNK pHYs -- SIZE 9 BYTES",
+                                         sep,
+                                         "PHYSICAL PIXEL DIMENSIONS",
+                                         "3937 x 3937 pixels",
+                                         "20.0 x 10.0 inches",
+                                         crc(f.substr(49, 21)),
+                                         "",
+                                         "CHUNK tIME -- SIZE 7 BYTES",
+                                         sep,
+                                         "LAST IMAGE MODIFICATION TIME",
+                                         "1:05:09pm February 3, 2001",
+                                         crc(f.substr(70, 19)),
+                                         "",
+                                         "CHUNK abCd -- SIZE 2 BYTES",
+                                         sep,
+                                         "UNKNOWN OR PRIVATE CHUNK",
+                                         crc(f.substr(89, 14)),
+                                         "",
+                                         "CHUNK tEXt -- SIZE 8 BYTES",
+                                         sep,
+                                         "TEXT",
+                                         "Title: Hi",
+                                         crc(f.substr(103, 20)),
+                                         "",
+                                         "CHUNK IEND -- SIZE 0 BYTES",
+                                         sep,
+                                         "END OF FILE",
+                                         crc(f.substr(123, 12))};
   EXPECT_EQ(lines, want);
   std::string text;
   EXPECT_EQ(PngReadComments(info, dir / "a.png", text), kOk);

@@ -3,15 +3,18 @@
 // ImageMagick and Pillow, and the public GIF suites.
 //
 // Where Pixmill's rules differ from the public format on purpose:
-// | Case                                 | Pixmill                                 | Why                       |
-// |--------------------------------------|-----------------------------------------|---------------------------|
-// | one-bit pictures                     | black and white, whatever the table     | one-bit pictures always   |
-// |                                      |                                         | show black and white      |
-// | an image with the global table after | the last local table read while passing | the scan reads every      |
-// | images with local tables             | the earlier images                      | table it passes           |
-// | data that ends before the last pixel | the rows so far, then code 3            | missing data is bad data  |
-// | transparency, screen placement,      | not applied: the image alone, at its    | the program reads images, |
-// | frames of an animation               | own size                                | not what a viewer shows   |
+// clang-format off
+// | Case                             | Pixmill                           | Why                     |
+// |----------------------------------|-----------------------------------|-------------------------|
+// | one-bit pictures                 | black and white, whatever the     | one-bit pictures always |
+// |                                  | table                             | show black and white    |
+// | an image with the global table   | the last local table read while   | the scan reads every    |
+// | after images with local tables   | passing the earlier images        | table it passes         |
+// | data ending before the last pixel| the rows so far, then code 3      | missing data is bad data|
+// | transparency, screen placement,  | not applied: the image alone, at  | the program reads       |
+// | frames of an animation           | its own size                      | images, not what a      |
+// |                                  |                                   | viewer shows            |
+// clang-format on
 
 #include <gtest/gtest.h>
 
@@ -36,7 +39,8 @@ using test::Picture;
 using test::RgbImage;
 
 // One-bit pictures show black and white: then only the partition of the pixels must agree.
-testing::AssertionResult ReadsAs(const std::string& path, const RgbImage& want, uint32_t image = 0) {
+testing::AssertionResult ReadsAs(const std::string& path, const RgbImage& want,
+                                 uint32_t image = 0) {
   Picture p;
   if (int code = test::ReadPicture(path, p, nullptr, nullptr, image))
     return testing::AssertionFailure() << "Pixmill answers " << code;
@@ -55,7 +59,8 @@ testing::AssertionResult ReadsAs(const std::string& path, const RgbImage& want, 
 }
 
 bool NetpbmDecode(const std::string& path, RgbImage& out, int image = 0) {
-  return oracle::DecodeWith("giftopnm --image=" + std::to_string(image + 1) + " " + test::ShellQuote(path), out);
+  return oracle::DecodeWith(
+      "giftopnm --image=" + std::to_string(image + 1) + " " + test::ShellQuote(path), out);
 }
 
 TEST(GifOracle, ImageMagickFilesReadAsImageMagickDecodesThem) {
@@ -64,7 +69,8 @@ TEST(GifOracle, ImageMagickFilesReadAsImageMagickDecodesThem) {
   for (const char* options : {"", "-interlace GIF"})
     for (uint32_t colours : {2u, 4u, 16u, 200u})
       for (uint32_t width : {1u, 8u, 9u, 33u}) {
-        SCOPED_TRACE(testing::Message() << options << " " << colours << " colours, width " << width);
+        SCOPED_TRACE(testing::Message()
+                     << options << " " << colours << " colours, width " << width);
         oracle::WritePpm(dir / "in.ppm", oracle::Scene(width, 11, colours), width, 11);
         const std::string out = dir / "out.gif";
         ASSERT_EQ(test::Run(kMagick + " " + test::ShellQuote(dir / "in.ppm") + " " + options + " " +
@@ -86,12 +92,14 @@ TEST(GifOracle, GifsicleFilesWithSeveralImagesCommentsAndExtensions) {
     const uint32_t width = 5 + 6 * i, height = 4 + i;
     const std::string name = dir / ("f" + std::to_string(i));
     oracle::WritePpm(name + ".ppm", oracle::Scene(width, height, 4 + 60 * i, i), width, height);
-    ASSERT_EQ(test::Run(kMagick + " " + test::ShellQuote(name + ".ppm") + " " + test::ShellQuote(name + ".gif")), 0);
+    ASSERT_EQ(test::Run(kMagick + " " + test::ShellQuote(name + ".ppm") + " " +
+                        test::ShellQuote(name + ".gif")),
+              0);
     frames += " " + test::ShellQuote(name + ".gif");
   }
   const std::string multi = dir / "multi.gif";
-  ASSERT_EQ(test::Run("gifsicle --no-warnings -i --loopcount=3 --comment 'made by gifsicle'" + frames +
-                      " >" + test::ShellQuote(multi)),
+  ASSERT_EQ(test::Run("gifsicle --no-warnings -i --loopcount=3 --comment 'made by gifsicle'" +
+                      frames + " >" + test::ShellQuote(multi)),
             0);
   ScopedSettings settings;
   settings->MultipleImageGIF = 1;
@@ -112,7 +120,9 @@ TEST(GifOracle, GifsicleFilesWithSeveralImagesCommentsAndExtensions) {
   std::vector<std::string> lines;
   ASSERT_EQ(FormatAt(FindFormat(multi)).listImages(info, multi, lines), kOk);
   const std::multiset<std::string> seen(lines.begin(), lines.end());
-  for (auto [line, count] : {std::pair{"IMAGE BLOCK", 3u}, {"Interlaced:\t\t YES", 3u}, {"COMMENT BLOCK", 1u},
+  for (auto [line, count] : {std::pair{"IMAGE BLOCK", 3u},
+                             {"Interlaced:\t\t YES", 3u},
+                             {"COMMENT BLOCK", 1u},
                              {"GIF APPLICATION identification string: NETSCAPE", 1u}})
     EXPECT_EQ(seen.count(line), count) << line;
 }
@@ -125,7 +135,8 @@ TEST(GifOracle, PixmillFilesReadByImageMagickPillowAndNetpbm) {
   for (bool interlaced : {false, true})
     for (uint32_t bits : {1u, 2u, 3u, 4u, 6u, 8u})
       for (uint32_t width : {1u, 9u, 33u}) {
-        SCOPED_TRACE(testing::Message() << bits << " bits, width " << width << (interlaced ? ", interlaced" : ""));
+        SCOPED_TRACE(testing::Message()
+                     << bits << " bits, width " << width << (interlaced ? ", interlaced" : ""));
         ScopedSettings settings;
         settings->WriteGIFInterlaced = interlaced;
         Picture p = test::Pattern(width, 13, bits, width + bits);

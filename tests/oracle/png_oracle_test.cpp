@@ -3,18 +3,19 @@
 // back by ImageMagick and Pillow.
 //
 // Where Pixmill's rules differ from the public format on purpose:
-// | Case                        | Pixmill                                         | Why                 |
-// |-----------------------------|-------------------------------------------------|---------------------|
-// | grey up to 8 bits, grey and | shown through the grey ramp, whose steps are    | the ramp is made by |
-// | alpha                       | luminance-weighted and end below white (254)    | integer weights     |
-// | 16-bit samples              | the high byte                                   | rows hold 8 bits    |
-// | alpha, tRNS, bKGD, gAMA     | not applied                                     | rows have no alpha  |
+// clang-format off
+// | Case                        | Pixmill                                   | Why                  |
+// |-----------------------------|-------------------------------------------|----------------------|
+// | grey up to 8 bits, grey and | shown through the grey ramp, whose steps  | the ramp is made by  |
+// | alpha                       | are luminance-weighted and end below white| integer weights      |
+// | 16-bit samples              | the high byte                             | rows hold 8 bits     |
+// | alpha, tRNS, bKGD, gAMA     | not applied                               | rows have no alpha   |
+// clang-format on
 
 #include <gtest/gtest.h>
 #include <png.h>
 
 #include <cstdio>
-
 #include <filesystem>
 #include <sstream>
 #include <string>
@@ -76,19 +77,24 @@ bool Samples(Decoding* d, RgbImage* out) {
 bool LibpngDecode(const std::string& path, RgbImage& out) {
   Decoding d;
   d.file = std::fopen(path.c_str(), "rb");
-  d.png = png_create_read_struct(PNG_LIBPNG_VER_STRING, nullptr, [](png_structp p, png_const_charp) { png_longjmp(p, 1); },
-                                 [](png_structp, png_const_charp) {});
-  if (!d.file || !d.png || !(d.info = png_create_info_struct(d.png)) || !Samples(&d, &out)) return false;
+  d.png = png_create_read_struct(
+      PNG_LIBPNG_VER_STRING, nullptr, [](png_structp p, png_const_charp) { png_longjmp(p, 1); },
+      [](png_structp, png_const_charp) {});
+  if (!d.file || !d.png || !(d.info = png_create_info_struct(d.png)) || !Samples(&d, &out))
+    return false;
   Palette ramp{};
   PngGreyRamp(d.bitDepth == 16 ? 8 : static_cast<uint32_t>(d.bitDepth), ramp);
   png_colorp plte = nullptr;
   int entries = 0;
   png_get_PLTE(d.png, d.info, &plte, &entries);
-  for (int i = 0; i < entries; ++i) ramp[static_cast<size_t>(i)] = Rgb{plte[i].red, plte[i].green, plte[i].blue};
+  for (int i = 0; i < entries; ++i)
+    ramp[static_cast<size_t>(i)] = Rgb{plte[i].red, plte[i].green, plte[i].blue};
   const bool asIs = d.colourType == PNG_COLOR_TYPE_GRAY && d.bitDepth == 16;
   for (size_t i = 0; i < d.image.size(); i += d.channels) {
     const uint8_t* p = d.image.data() + i;
-    out.pixels.push_back(d.channels >= 3 ? Rgb{p[0], p[1], p[2]} : asIs ? Rgb{p[0], p[0], p[0]} : ramp[p[0]]);
+    out.pixels.push_back(d.channels >= 3 ? Rgb{p[0], p[1], p[2]}
+                         : asIs          ? Rgb{p[0], p[0], p[0]}
+                                         : ramp[p[0]]);
   }
   return true;
 }
