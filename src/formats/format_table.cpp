@@ -15,6 +15,9 @@
 #include "formats/sun_raster.h"
 #include "formats/targa.h"
 #include "formats/uue.h"
+#include "formats/gif.h"
+#include "formats/pcx.h"
+#include "formats/png.h"
 
 namespace pxm {
 
@@ -40,8 +43,8 @@ constexpr ListImagesHandler kList5 = RefuseList5;  // a listing handler not buil
 constexpr FormatEntry kTable[kFormatCount] = {
     {kNoList, PXM_NOT_BUILT, nullptr, 1, "MAC", "(MAC) MacPaint", 1, 1},
     {kNoList, PXM_NOT_BUILT, nullptr, 24, "IMG", "(IMG) GEM/Ventura", 1, 1},
-    {kNoList, PXM_NOT_BUILT, nullptr, 24, "PCX", "(PCX) PC Paintbrush", 1, 1},
-    {kList5, PXM_NOT_BUILT, nullptr, 8, "GIF", "(GIF) CompuServe", 1, 261},
+    {kNoList, PcxInfo, PcxRead, PcxWrite, nullptr, 24, "PCX", "(PCX) PC Paintbrush", 1, 1},
+    {GifList, GifInfo, GifRead, GifWrite, nullptr, 8, "GIF", "(GIF) CompuServe", 1, 261},
     {TiffList, TiffInfo, TiffRead, TiffWrite, nullptr, 24, "TIF", "(TIF) TIFF", 1, 1},
     {kNoList, PXM_NOT_BUILT, nullptr, 8, "WPG", "(WPG) WordPerfect Graphics", 1, 1},
     {kNoList, PXM_NOT_BUILT, nullptr, 24, "PIC", "(PIC) Pictor or Pegasus", 1, 1},
@@ -67,7 +70,7 @@ constexpr FormatEntry kTable[kFormatCount] = {
     {FitsList, FitsInfo, FitsRead, FitsWrite, nullptr, 24, "FIT", "(FIT) Flex. Image Transport", 1, 1},
     {kList5, PXM_NOT_BUILT, nullptr, 24, "CDR", "(CDR) Corel Draw Preview", 1, 261},
     {kNoList, BgaInfo, BgaRead, BgaWrite, nullptr, 24, "BGA", "(BGA) OS/2 Warp", 1, 261},
-    {kList5, PXM_NOT_BUILT, nullptr, 24, "PNG", "(PNG) Portable Netwk Grphcs", 1, 1},
+    {PngList, PngInfo, PngRead, PngWrite, nullptr, 24, "PNG", "(PNG) Portable Netwk Grphcs", 1, 1},
     {kNoList, PXM_NOT_BUILT, nullptr, 24, "MPG", "(MPG) MPEG video", 1, 521},
     {kNoList, PXM_NOT_BUILT, nullptr, 24, "MOV", "(MOV) QuickTime movies", 1, 25},
     {kNoList, PXM_NOT_BUILT, nullptr, 8, "FLI", "(FLI) FLIC animation", 1, 1037},

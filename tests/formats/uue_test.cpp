@@ -113,7 +113,7 @@ TEST(UueInfo, HandsTheDecodedFileToItsFormat) {
   // Unknown, UUE-in-UUE and unbuilt embedded formats; no decoded file outlives the refusal.
   for (auto [name, code] : {std::pair{"x.xyz", kUnsupportedFormat},
                             {"x.uue", kUnsupportedFormat},
-                            {"x.pcx", kUnsupportedFunction}}) {
+                            {"x.mac", kUnsupportedFunction}}) {
     test::Decoded d =
         test::DecodeBytes(dir, "b.uue", std::string("begin 644 ") + name + "\n" + body);
     EXPECT_EQ(d.infoCode, code) << name;

@@ -25,6 +25,7 @@ Decoded DecodeBytes(const TempDir& dir, const std::string& name, const std::stri
   const auto stored = static_cast<ptrdiff_t>(PackedRowBytes(d.info.width, d.info.bits));
   d.info.putLine = [&](std::span<uint8_t> row, int32_t y) {
     d.rows[y] = std::vector<uint8_t>(row.begin(), row.begin() + stored);
+    d.order.push_back(y);
     return ++delivered == abortOn ? 1 : 0;
   };
   d.readCode = FormatAt(format).read(d.info, path);

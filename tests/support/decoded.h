@@ -22,6 +22,7 @@ struct Decoded {
   int readCode = -1;
   ImageInfo info;
   std::map<int32_t, std::vector<uint8_t>> rows;
+  std::vector<int32_t> order;  // row numbers as they came
 
   // Pixel value at (x, y) in the store's packing (0xRRGGBB for 24 bits).
   uint32_t Pixel(uint32_t x, int32_t y) const;
