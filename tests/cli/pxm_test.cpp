@@ -272,5 +272,20 @@ TEST_F(PxmTest, EffectTakesAnEffectWithItsOptionsOrTheRawWord) {
   EXPECT_EQ(Pxm("effect --effect grey a.bmp").status, 64);  // no --to
 }
 
+TEST_F(PxmTest, ThumbnailNamesEachThumbnailFileAndConvertKeepsNamingItsOutput) {
+  Picture("cat.bmp", 8);
+  test::WriteFileBytes(dir / "clip.mov", "no frames of its own");
+  Result r = Pxm("thumbnail cat.bmp clip.mov");
+  EXPECT_EQ(r.status, 5);
+  EXPECT_EQ(r.Lines(), std::vector<std::string>{"cat.bmp -> CAT.THN"});
+  EXPECT_EQ(r.err, "clip.mov - Unsupported function\n");
+  EXPECT_EQ(test::ReadFileBytes(dir / "CAT.THN").substr(0, 8), "PXMTHN01");
+
+  std::filesystem::create_directory(dir / "thumbs");
+  r = Pxm("--set ThumbnailPath=thumbs --set AutoCreateThumbnail=1 convert --to dib cat.bmp");
+  EXPECT_EQ(r.Lines(), std::vector<std::string>{"cat.bmp -> cat.dib"});
+  EXPECT_TRUE(std::filesystem::exists(dir / "thumbs/CAT.THN"));
+}
+
 }  // namespace
 }  // namespace pxm
