@@ -112,6 +112,7 @@ int MakeThumbnail(Host& host, const std::string& path, std::string* written,
   } catch (const std::bad_alloc&) {
     code = kMemoryError;
   }
+  info.putLine = nullptr;  // it points into the making, which is over
   PostRead(info);  // a reader's own file goes whatever happened after it was made
   return code;
 }
