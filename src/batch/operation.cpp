@@ -46,14 +46,6 @@ int ReadSource(Operation& op, int row, const std::string& path, LineSink sink) {
   }
 }
 
-int PostRead(ImageInfo& info) {
-  if (!info.temporaryFile.empty()) {
-    platform::RemoveFile(info.temporaryFile);
-    info.temporaryFile.clear();
-  }
-  return kOk;
-}
-
 int WriteDestination(Operation& op, int destRow, const std::string& output, LineSource source,
                      std::string_view status) {
   const FormatEntry& entry = op.table[static_cast<size_t>(destRow)];

@@ -49,10 +49,6 @@ int ChooseImage(Operation& op, int row, const std::string& path);
 // and runs the row's reader.
 int ReadSource(Operation& op, int row, const std::string& path, LineSink sink);
 
-// The step after every successful read: removes the file a reader made for itself (a decoded
-// attachment, say), so nothing of it outlives the read.
-int PostRead(ImageInfo& info);
-
 // Runs `entry`'s writer for the record on a temporary file beside `output` and renames it over
 // the output name only when the writer succeeded: nothing is left behind on failure and an
 // existing file of that name survives it. A success is announced to the host.

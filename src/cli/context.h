@@ -61,6 +61,7 @@ Command SetupRename(CLI::App& parent, Context& ctx);
 Command SetupDelete(CLI::App& parent, Context& ctx);
 Command SetupDither(CLI::App& parent, Context& ctx);
 Command SetupEffect(CLI::App& parent, Context& ctx);
+Command SetupThumbnail(CLI::App& parent, Context& ctx);
 
 // Runs `driver` over the files in turn the way every batch command does: prints
 // "SOURCE -> OUTPUT" for each success (unless --quiet), "NAME - TEXT" for each failure, stops

@@ -83,6 +83,7 @@ int Main(int argc, char** argv) {
       SetupDelete,
       SetupDither,
       SetupEffect,
+      SetupThumbnail,
       SetupConfig,
   };
   std::vector<Command> commands;

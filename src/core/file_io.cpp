@@ -79,8 +79,8 @@ bool InputFile::Refill() {
 }
 
 size_t InputFile::Read(void* out, size_t n) {
-  if (fd_ < 0) return 0;
-  if (n == 0) return 0;
+  // An empty read may come with no buffer at all (the data of an empty vector).
+  if (fd_ < 0 || n == 0) return 0;
   auto* dst = static_cast<uint8_t*>(out);
   size_t done = 0;
   size_t buffered = std::min(n, end_ - pos_);

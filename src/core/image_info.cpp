@@ -1,6 +1,8 @@
 #include "core/image_info.h"
 
+#include "core/error_codes.h"
 #include "core/host.h"
+#include "core/platform.h"
 
 namespace pxm {
 
@@ -8,6 +10,14 @@ void ImageInfo::Clear() {
   Host* keep = host;
   *this = ImageInfo{};
   host = keep;
+}
+
+int PostRead(ImageInfo& info) {
+  if (!info.temporaryFile.empty()) {
+    platform::RemoveFile(info.temporaryFile);
+    info.temporaryFile.clear();
+  }
+  return kOk;
 }
 
 Host& HostOf(const ImageInfo& info) { return info.host ? *info.host : SilentHost(); }

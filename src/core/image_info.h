@@ -67,6 +67,11 @@ struct ImageInfo {
   void Clear();
 };
 
+// The step after every successful read, shared by every driver and by the making of thumbnails:
+// removes the file a reader made for itself (a decoded attachment, say), so nothing of it
+// outlives the read. Answers an error code.
+int PostRead(ImageInfo& info);
+
 // The host of a record, or a silent host that answers every question with its default.
 Host& HostOf(const ImageInfo& info);
 

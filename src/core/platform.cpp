@@ -136,6 +136,23 @@ int64_t FileSize(const std::string& path) {
 
 bool RemoveFile(const std::string& path) { return unlink(path.c_str()) == 0; }
 
+std::optional<FileStamp> StampOf(const std::string& path) {
+  struct stat st;
+  if (stat(path.c_str(), &st) != 0) return std::nullopt;
+  FileStamp stamp;
+  stamp.size = static_cast<int64_t>(st.st_size);
+  stamp.modifiedSeconds = static_cast<int64_t>(st.st_mtim.tv_sec);
+  stamp.modifiedNanoseconds = static_cast<int64_t>(st.st_mtim.tv_nsec);
+  stamp.device = static_cast<uint64_t>(st.st_dev);
+  stamp.inode = static_cast<uint64_t>(st.st_ino);
+  return stamp;
+}
+
+bool OnReadOnlyFileSystem(const std::string& path) {
+  struct statvfs st;
+  return statvfs(path.c_str(), &st) == 0 && (st.f_flag & ST_RDONLY) != 0;
+}
+
 std::optional<std::string> CreateTemporaryFileIn(const std::string& directory,
                                                  const std::string& hint) {
   std::string dir = directory.empty() ? std::string(".") : directory;

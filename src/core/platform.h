@@ -43,6 +43,22 @@ bool IsDirectory(const std::string& path);
 int64_t FileSize(const std::string& path);
 bool RemoveFile(const std::string& path);
 
+// One version of a file: its length, its modification time to the nanosecond, and which file it
+// is. A file replaced through a rename is another file even within one tick of the clock, which
+// the time alone would not show.
+struct FileStamp {
+  int64_t size = 0;
+  int64_t modifiedSeconds = 0;  // since 1970
+  int64_t modifiedNanoseconds = 0;
+  uint64_t device = 0;
+  uint64_t inode = 0;
+  friend bool operator==(const FileStamp&, const FileStamp&) = default;
+};
+// The stamp of a file, or nothing when it cannot be looked at.
+std::optional<FileStamp> StampOf(const std::string& path);
+// True when `path` lies on a file system mounted read-only, as discs are.
+bool OnReadOnlyFileSystem(const std::string& path);
+
 // A new empty file in `directory` whose name starts with a dot and `hint`, for a writer to fill
 // before it is renamed over its final name. Nothing when it cannot be made.
 std::optional<std::string> CreateTemporaryFileIn(const std::string& directory,

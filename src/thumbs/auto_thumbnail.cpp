@@ -2,14 +2,14 @@
 
 #include "config/settings.h"
 #include "core/error_codes.h"
+#include "thumbs/make_thumbnail.h"
+#include "thumbs/thumbnail_path.h"
 
 namespace pxm {
 
-int AutoCreateThumbnail(Host& /*host*/, const std::string& /*path*/) {
-  if (!CurrentSettings().AutoCreateThumbnail) return kOk;
-  // Thumbnail files are not made by this build yet: the thumbnail library is still to come, so
-  // the setting has no effect.
-  return kOk;
+int AutoCreateThumbnail(Host& host, const std::string& path) {
+  if (!CurrentSettings().AutoCreateThumbnail || HasThumbnail(path)) return kOk;
+  return MakeThumbnail(host, path);
 }
 
 }  // namespace pxm

@@ -321,5 +321,19 @@ TEST_F(PxmTest, UuePartsAnswerTheNextFileDialogInOrderThenOk) {
   EXPECT_NE(info.out.find("description: Original name P.TGA\n"), std::string::npos);
 }
 
+TEST_F(PxmTest, ThumbnailNamesEachThumbnailFile) {
+  Picture("cat.bmp", 8);
+  test::WriteFileBytes(dir / "clip.mov", "no frames of its own");
+  Result r = Pxm("thumbnail cat.bmp clip.mov");
+  EXPECT_EQ(r.status, 5);
+  EXPECT_EQ(r.Lines(), std::vector<std::string>{"cat.bmp -> CAT.THN"});
+  EXPECT_EQ(r.err, "clip.mov - Unsupported function\n");
+  EXPECT_EQ(test::ReadFileBytes(dir / "CAT.THN").substr(0, 8), "PXMTHN01");
+  std::filesystem::remove(dir / "CAT.THN");
+  r = Pxm("--set AutoCreateThumbnail=1 convert --to dib cat.bmp");  // a thumbnail is not output
+  EXPECT_EQ(r.Lines(), std::vector<std::string>{"cat.bmp -> cat.dib"});
+  EXPECT_TRUE(std::filesystem::exists(dir / "CAT.THN"));
+}
+
 }  // namespace
 }  // namespace pxm
