@@ -54,13 +54,16 @@ results="$out/raw.tsv"
 : > "$results"
 while IFS=$'\t' read -r group tool command; do
   if [ -n "$only" ] && [[ "$group" != *"$only"* ]]; then continue; fi
-  tool_bin=$(echo "$command" | sed -E 's/^([A-Z_]+=[^ ]+ )*//' | cut -d' ' -f1)
+  tool_bin=$(echo "$command" | sed -E 's/^cd [^ ]+ && //; s/^([A-Z_]+=[^ ]+ )*//' | cut -d' ' -f1)
   if ! command -v "$tool_bin" >/dev/null 2>&1; then
     echo "skip: $tool ($tool_bin not installed)" >&2
     continue
   fi
   echo "== $group :: $tool" >&2
-  hyperfine --style none --warmup 1 --runs "$runs" --export-json "$work/h.json" -- "$command" >/dev/null
+  if ! hyperfine --style none --warmup 1 --runs "$runs" --export-json "$work/h.json" -- "$command" >/dev/null 2>"$work/h.err"; then
+    echo "   failed, left out of the table: $(tail -n 1 "$work/h.err")" >&2
+    continue
+  fi
   median=$(python3 -c 'import json,sys; print(json.load(open(sys.argv[1]))["results"][0]["median"])' "$work/h.json")
   /usr/bin/time -f '%M' -o "$work/peak" bash -c "$command" >/dev/null 2>&1 || true
   peak=$(tail -n 1 "$work/peak")

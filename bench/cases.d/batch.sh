@@ -9,4 +9,4 @@ add "200 BMP 640x480 -> BMP, one process" "pixmill" \
 add "200 BMP 640x480 -> BMP, one process" "ImageMagick" \
   "mogrify-im6.q16 -path $work/batch-im -format bmp $in/batch200/*.bmp"
 add "200 BMP 640x480 -> BMP, one process" "GraphicsMagick" \
-  "gm mogrify -output-directory $work/batch-gm -format bmp $in/batch200/*.bmp"
+  "cd $in/batch200 && gm mogrify -output-directory $work/batch-gm -format bmp *.bmp"
