@@ -9,9 +9,9 @@
 #include "core/bytes.h"
 #include "core/error_codes.h"
 #include "core/strings.h"
-#include "formats/codec_test_util.h"
 #include "formats/comment_source.h"
 #include "formats/png_codec.h"
+#include "support/decoded.h"
 #include "support/picture.h"
 #include "support/temp_dir.h"
 
@@ -174,24 +174,6 @@ TEST(PngInfo, RampsDepthsAndPalettes) {
     test::WriteFileBytes(dir / "d.png", bytes);
     EXPECT_EQ(PngInfo(info, dir / "d.png", 0), code);
   }
-}
-
-TEST(PngRead, RoundTripsAtEveryDepth) {
-  test::TempDir dir;
-  for (uint32_t bits : {1u, 2u, 3u, 4u, 5u, 8u, 24u})
-    for (auto [w, h] : {std::pair{1u, 1}, {7u, 3}, {33u, 17}}) {
-      SCOPED_TRACE(testing::Message() << w << "x" << h << "x" << bits);
-      Picture p = Pattern(w, h, bits, w + bits);
-      ASSERT_EQ(test::WritePicture(p, dir / "r.png"), kOk);
-      Picture q;
-      ImageInfo info;
-      ASSERT_EQ(test::ReadPicture(dir / "r.png", q, nullptr, &info), kOk);
-      const uint32_t fileBits = bits == 1 ? 1 : bits <= 4 ? 4 : bits <= 8 ? 8 : 24;
-      ASSERT_EQ(info.bits, fileBits);
-      for (int32_t y = 0; y < p.depth; ++y)
-        for (uint32_t x = 0; x < p.width; ++x)
-          ASSERT_EQ(q.Pixel(x, y), p.Pixel(x, y)) << x << "," << y;
-    }
 }
 
 TEST(PngList, ChunkReportWithCrcs) {
