@@ -70,17 +70,36 @@ struct Case {
   const char* format;  // extension in capitals; the matrix's first column
   std::string variant;
   Maker maker;
-  uint32_t picture;  // colours of the scene (0: any), or bits of Pixmill's pattern
-  Decoder reference = {Tool::kPicture};  // who says what the pixels are
+  uint32_t picture;   // colours of the scene (0: any), or bits of Pixmill's pattern
+  Decoder reference;  // who says what the pixels are
   std::vector<Decoder> readers = {{Tool::kPixmill}};
   Expect expect = Expect::kSame;
   Setter settings = nullptr;  // Pixmill's settings while it writes and reads the case
-  uint32_t readBits = 0;      // the bits Pixmill reads its own file back with (0: not checked)
-  Look look = kPlain;
+  uint32_t readBits = 0;      // the bits Pixmill reads the file with (0: not checked)
+  unsigned look = kPlain;
   const char* difference = nullptr;  // the row of the differences table the case checks
   std::vector<uint32_t> widths = {1, 7, 8, 9, 31, 33};
   int32_t height = 11;
+
+  Case& Expecting(Expect e) { return expect = e, *this; }
+  Case& Set(Setter s) { return settings = s, *this; }
+  Case& Bits(uint32_t b) { return readBits = b, *this; }
+  Case& Looks(unsigned l) { return look |= l, *this; }
+  Case& Differs(const char* d) { return difference = d, *this; }
 };
+
+// A file another program makes from a scene of `colours`, read by Pixmill and held to `judge`.
+inline Case Read(const char* format, std::string variant, Maker maker, uint32_t colours,
+                 Decoder judge) {
+  return {format, std::move(variant), std::move(maker), colours, std::move(judge)};
+}
+// A pattern of `bits` Pixmill writes, read back by `readers` (Pixmill among them) and held to
+// the picture, or to `reference`.
+inline Case Write(const char* format, std::string variant, uint32_t bits,
+                  std::vector<Decoder> readers, Decoder reference = {Tool::kPicture}) {
+  return {format, std::move(variant),   {Tool::kPixmill},
+          bits,   std::move(reference), std::move(readers)};
+}
 
 std::vector<Case> MatrixCases();
 

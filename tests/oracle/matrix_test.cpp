@@ -15,6 +15,7 @@
 #include <sstream>
 
 #include "core/error_codes.h"
+#include "core/names.h"
 #include "core/row_format.h"
 #include "oracle/libpng_reference.h"
 #include "support/oracle.h"
@@ -31,9 +32,7 @@ using test::ShellQuote;
 constexpr int kShells = 3;  // scripts run side by side: most of their time is programs starting
 
 std::string Ext(const Case& c) {
-  std::string e = c.format;
-  for (char& ch : e) ch = static_cast<char>(std::tolower(static_cast<unsigned char>(ch)));
-  return e;
+  return ToLowerAscii(c.format);
 }
 
 std::string Replace(std::string s, const std::string& key, const std::string& value) {
@@ -41,27 +40,14 @@ std::string Replace(std::string s, const std::string& key, const std::string& va
   return s;
 }
 
+// The program's name; for a pipeline, its programs joined by "+".
 std::string Name(const Decoder& d) {
-  switch (d.tool) {
-    case Tool::kPixmill:
-      return "Pixmill";
-    case Tool::kMagick:
-      return "ImageMagick";
-    case Tool::kPillow:
-      return "Pillow";
-    case Tool::kLibpng:
-      return "libpng";
-    case Tool::kPicture:
-      return "the picture";
-    case Tool::kShell:
-      break;
-  }
-  std::string name;  // the programs of the pipeline
-  for (size_t at = 0; at < d.command.size();) {
-    const size_t bar = std::min(d.command.find('|', at), d.command.size());
+  const char* names[] = {"Pixmill", "ImageMagick", "Pillow", "", "libpng", "the picture"};
+  std::string name = names[static_cast<int>(d.tool)];
+  for (size_t at = 0; d.tool == Tool::kShell && at < d.command.size();) {
     const size_t start = d.command.find_first_not_of(' ', at);
     name += (name.empty() ? "" : "+") + d.command.substr(start, d.command.find(' ', start) - start);
-    at = bar + 1;
+    at = std::min(d.command.find('|', at), d.command.size()) + 1;
   }
   return name;
 }
@@ -261,26 +247,15 @@ RgbImage FromPicture(const Case& c, const Item& item) {
     const uint32_t x = static_cast<uint32_t>(i % p.width);
     const int32_t y = static_cast<int32_t>(i / p.width);
     Rgb& o = out.pixels[i];
-    switch (c.expect) {
-      case Expect::kBlackWhite:
-        o = p.Pixel(x, y) ? Grey(255) : Grey(0);
-        break;
-      case Expect::kLighterWhite:
-        o = (p.Pixel(x, y) == 0) == (light(p.palette[0]) > light(p.palette[1])) ? Grey(255)
-                                                                                : Grey(0);
-        break;
-      case Expect::kLuminance:
-      case Expect::kLuminanceUpsideDown:
-        o = Grey(Luminance(o.red, o.green, o.blue));
-        break;
-      case Expect::kHalfRowTarga16: {
-        const Rgb s = p.Colour(x / 2, y);
-        auto five = [](uint8_t v) { return static_cast<uint8_t>(v / 8 * 255 / 31); };
-        o = x % 2 ? Grey(0) : Rgb{five(s.red), five(s.green), five(s.blue)};
-        break;
-      }
-      default:
-        break;
+    if (c.expect == Expect::kBlackWhite) o = p.Pixel(x, y) ? Grey(255) : Grey(0);
+    if (c.expect == Expect::kLighterWhite)
+      o = (p.Pixel(x, y) == 0) == (light(p.palette[0]) > light(p.palette[1])) ? Grey(255) : Grey(0);
+    if (c.expect == Expect::kLuminance || c.expect == Expect::kLuminanceUpsideDown)
+      o = Grey(Luminance(o.red, o.green, o.blue));
+    if (c.expect == Expect::kHalfRowTarga16) {
+      const Rgb s = p.Colour(x / 2, y);
+      auto five = [](uint8_t v) { return static_cast<uint8_t>(v / 8 * 255 / 31); };
+      o = x % 2 ? Grey(0) : Rgb{five(s.red), five(s.green), five(s.blue)};
     }
   }
   return c.expect == Expect::kLuminanceUpsideDown ? Upside(out) : out;
