@@ -250,58 +250,21 @@ TEST(GifList, BlockReportAndComments) {
   ImageInfo info;
   std::vector<std::string> lines;
   ASSERT_EQ(GifList(info, dir / "a.gif", lines), kOk);
-  const std::string sep(49, '-');
-  const std::vector<std::string> want = {"SCREEN DESCRIPTOR",
-                                         sep,
-                                         "Macintosh name:\t\t Snaps",
-                                         "Screen dimensions:\t 3 by 2",
-                                         "Screen bits: \t\t 1",
-                                         "Background colour:\t 1",
-                                         "Global palette:\t\t YES",
-                                         "",
-                                         "CONTROL BLOCK",
-                                         sep,
-                                         "This block requires 4 bytes",
-                                         "Dispose to background colour",
-                                         "User input required - delay for 5 seconds",
-                                         "Transparent colour: 5",
-                                         "",
-                                         "COMMENT BLOCK",
-                                         sep,
-                                         "Hi",
-                                         "there",
-                                         "",
-                                         "GIF APPLICATION BLOCK",
-                                         sep,
-                                         "GIF APPLICATION identification string: NETSCAPE",
-                                         "",
-                                         "PLAIN TEXT BLOCK",
-                                         sep,
-                                         "This block requires 12 bytes",
-                                         "Text location at (1,2)",
-                                         "Grid dimensions are 30 by 8",
-                                         "Cell dimensions are 6 by 8",
-                                         "Foregound colour is 1",
-                                         "Background colour is 0",
-                                         "",
-                                         "Skipping unknown extension type 99",
-                                         "",
-                                         "IMAGE BLOCK",
-                                         sep,
-                                         "Image dimensions:\t 3 by 2",
-                                         "Image bits:\t\t 1",
-                                         "Local palette:\t\t NO",
-                                         "Interlaced:\t\t NO",
-                                         "",
-                                         "IMAGE BLOCK",
-                                         sep,
-                                         "Image dimensions:\t 3 by 2",
-                                         "Image bits:\t\t 2",
-                                         "Local palette:\t\t YES",
-                                         "Interlaced:\t\t YES",
-                                         sep,
-                                         "Unexpected end of image"};
-  EXPECT_EQ(lines, want);
+  // The report a line a "\n", "=" standing for the 49 dashes under each heading.
+  const std::string want =
+      "SCREEN DESCRIPTOR\n=\nMacintosh name:\t\t Snaps\nScreen dimensions:\t 3 by 2\n"
+      "Screen bits: \t\t 1\nBackground colour:\t 1\nGlobal palette:\t\t YES\n\n"
+      "CONTROL BLOCK\n=\nThis block requires 4 bytes\nDispose to background colour\n"
+      "User input required - delay for 5 seconds\nTransparent colour: 5\n\nCOMMENT BLOCK\n"
+      "=\nHi\nthere\n\nGIF APPLICATION BLOCK\n=\n"
+      "GIF APPLICATION identification string: NETSCAPE\n\nPLAIN TEXT BLOCK\n=\n"
+      "This block requires 12 bytes\nText location at (1,2)\nGrid dimensions are 30 by 8\n"
+      "Cell dimensions are 6 by 8\nForegound colour is 1\nBackground colour is 0\n\n"
+      "Skipping unknown extension type 99\n\nIMAGE BLOCK\n=\nImage dimensions:\t 3 by 2\n"
+      "Image bits:\t\t 1\nLocal palette:\t\t NO\nInterlaced:\t\t NO\n\nIMAGE BLOCK\n=\n"
+      "Image dimensions:\t 3 by 2\nImage bits:\t\t 2\nLocal palette:\t\t YES\n"
+      "Interlaced:\t\t YES\n=\nUnexpected end of image";
+  EXPECT_EQ(test::JoinLines(lines), test::Rules(want));
 
   std::string text;
   EXPECT_EQ(GifReadComments(info, dir / "a.gif", text), kOk);

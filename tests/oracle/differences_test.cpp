@@ -16,7 +16,7 @@ namespace pxm::oracle {
 const std::vector<Difference>& Differences() {
   static const std::vector<Difference> table = {
       {"D1", "BMP", "one-bit files", "the colour table is ignored: index 0 black, 1 white",
-       "one-bit pictures always show black and white", "the BMP suites (pal1bg, Core_1_Bit)"},
+       "one-bit pictures always show black and white", "bmp_test, the BMP suites (pal1bg, Core_1_Bit)"},
       {"D2", "BMP", "files under 54 bytes (the smallest OS/2 files)", "refused as damaged (2)",
        "info always reads 54 header bytes", "the matrix (OS/2 rows at width 1)"},
       {"D3", "BMP", "headers longer than 40 bytes (V4, V5, OS/2 2.x)",

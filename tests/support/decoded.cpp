@@ -50,6 +50,23 @@ testing::AssertionResult RoundTrips(const Picture& p, const std::string& path, u
   return testing::AssertionSuccess();
 }
 
+std::string JoinLines(const std::vector<std::string>& lines) {
+  std::string s;
+  for (size_t i = 0; i < lines.size(); ++i) s += (i ? "\n" : "") + lines[i];
+  return s;
+}
+
+std::string Rules(const std::string& text) {
+  std::vector<std::string> lines;
+  for (size_t at = 0; at <= text.size();) {
+    const size_t end = std::min(text.find('\n', at), text.size());
+    lines.push_back(text.substr(at, end - at) == "=" ? std::string(49, '-')
+                                                     : text.substr(at, end - at));
+    at = end + 1;
+  }
+  return JoinLines(lines);
+}
+
 std::string Raw(std::initializer_list<int> bytes) {
   std::string s;
   for (int b : bytes) s += static_cast<char>(b);

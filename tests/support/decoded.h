@@ -41,6 +41,11 @@ Decoded DecodeBytes(const TempDir& dir, const std::string& name, const std::stri
 // the palette entries in use, come back as they were, in a picture of `bits`.
 testing::AssertionResult RoundTrips(const Picture& p, const std::string& path, uint32_t bits);
 
+// Report lines joined by "\n"; and a report written so, its lines "=" made the 49-dash rule
+// under each heading.
+std::string JoinLines(const std::vector<std::string>& lines);
+std::string Rules(const std::string& text);
+
 // Building file bytes in tests.
 std::string Raw(std::initializer_list<int> bytes);
 std::string Le(uint32_t value, int bytes);
