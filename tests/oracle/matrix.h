@@ -43,9 +43,9 @@ struct Decoder {
 enum class Expect {
   kSame,
   kNear,          // within one level a channel (16-bit values rounded by one, cut by the other)
-  kBlackWhite,    // one bit written: index 0 black, 1 white. (Read, any one-bit picture
-                  // Pixmill shows is held to this rule: black and white, the pixels split
-                  // as the reference splits them.)
+  kBlackWhite,    // one bit written: index 0 black, 1 white. (Reading a file of two colours
+                  // other than black and white, Pixmill's one-bit picture is held to that rule
+                  // in every case: black and white, the pixels split as the reference's.)
   kLighterWhite,  // one bit written: the lighter of the two entries white, the other black
   kRedPlane,      // grey of the reference's red channel (the first plane of three)
   kUpsideDown,    // the reference's rows in the other order
