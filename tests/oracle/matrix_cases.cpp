@@ -34,6 +34,9 @@ const Setter kTarga16 = [](Settings& s) { s.CreateTarga16 = 1; };
 std::string Bits(uint32_t n) {
   return std::to_string(n) + (n == 1 ? " bit" : " bits");
 }
+std::string Colours(uint32_t n) {
+  return n ? std::to_string(n) + " colours" : "any colours";
+}
 // The depth of the file where a format keeps 1, 4, 8 and 24 bits.
 uint32_t FileBits(uint32_t bits) {
   return bits == 1 ? 1 : bits <= 4 ? 4 : bits <= 8 ? 8 : 24;
@@ -80,22 +83,22 @@ void Bmp(std::vector<Case>& all) {
 
 void Pcx(std::vector<Case>& all) {
   std::vector<Case> cases;
-  for (auto [options, colours] : {std::pair{"-24bit", 0u},
-                                  {"-8bit", 200u},
+  for (auto [options, colours] : {std::pair{" -24bit", 0u},
+                                  {" -8bit", 200u},
                                   {"", 256u},
-                                  {"-planes 1", 2u},
-                                  {"-planes 2", 4u},
-                                  {"-planes 3", 8u},
+                                  {" -planes 1", 2u},
+                                  {" -planes 2", 4u},
+                                  {" -planes 3", 8u},
                                   {"", 16u},
-                                  {"-packed", 16u}})
-    cases.push_back(Read("PCX", "ppmtopcx " + std::string(options),
-                         Sh("ppmtopcx " + std::string(options) + " %in >%out"), colours,
+                                  {" -packed", 16u}})
+    cases.push_back(Read("PCX", "ppmtopcx" + std::string(options) + ", " + Colours(colours),
+                         Sh("ppmtopcx" + std::string(options) + " %in >%out"), colours,
                          Cmd("pcxtoppm %in")));
   cases[3].Looks(kTwoColours).Differs("D9");  // one bit, a coloured palette
   for (auto [options, colours] :
        {std::pair{"-type truecolor PCX", 0}, {"-type palette PCX", 200}, {"-type palette PCX", 16}})
-    cases.push_back(Read("PCX", "ImageMagick, " + std::to_string(colours) + " colours", Im(options),
-                         colours, Cmd("pcxtoppm %in")));
+    cases.push_back(
+        Read("PCX", "ImageMagick, " + Colours(colours), Im(options), colours, Cmd("pcxtoppm %in")));
   // ImageMagick shows index 0 of one-bit files white whatever the header says; Pillow reads no
   // file of three planes.
   for (uint32_t bits : {1u, 2u, 3u, 4u, 6u, 8u, 24u}) {
@@ -114,7 +117,7 @@ void Gif(std::vector<Case>& all) {
   for (bool interlaced : {false, true}) {
     const std::string how = interlaced ? ", interlaced" : "";
     for (uint32_t colours : {2u, 4u, 16u, 200u}) {
-      Case c = Read("GIF", "ImageMagick, " + std::to_string(colours) + " colours" + how,
+      Case c = Read("GIF", "ImageMagick, " + Colours(colours) + how,
                     Im(interlaced ? "-interlace GIF GIF" : "GIF"), colours, kIm);
       all.push_back(colours == 2 ? c.Looks(kTwoColours).Differs("D11") : c);
     }
@@ -175,7 +178,7 @@ void Jpeg(std::vector<Case>& all) {
        {"-quality 75", "-quality 90 -sample 1x1", "-progressive", "-grayscale",
         "-optimize -restart 2", "-arithmetic", "-sample 2x1", "-quality 20 -smooth 30", "-rgb"})
     for (const Mode& m : modes)
-      all.push_back(Read("JPG", "cjpeg " + options + ", read as " + m.name,
+      all.push_back(Read("JPG", "cjpeg " + options + ", " + m.name,
                          Sh("cjpeg " + options + " %in >%out"), 0,
                          Cmd("djpeg -pnm " + std::string(m.djpeg) + " %in"))
                         .Set(m.settings)
@@ -268,7 +271,8 @@ void Sun(std::vector<Case>& all) {
       Read("RAS", "pnmtorast -standard, one bit",
            Sh("ppmtopgm %in | pgmtopbm -threshold | pnmtorast -standard >%out"), 2, netpbm),
       Read("RAS", "pnmtorast -rle, grey", Sh("ppmtopgm %in | pnmtorast -rle >%out"), 0, netpbm),
-      Read("RAS", "pnmtorast -standard", Sh("pnmtorast -standard %in >%out"), 200, netpbm),
+      Read("RAS", "pnmtorast -standard, 200 colours", Sh("pnmtorast -standard %in >%out"), 200,
+           netpbm),
       Read("RAS", "pnmtorast -rle, 200 colours", Sh("pnmtorast -rle %in >%out"), 200, netpbm),
       Read("RAS", "pnmtorast -rle, RGB", Sh("pnmtorast -rle %in >%out"), 0, netpbm),
       Read("RAS", "ImageMagick, palette", Im("-type Palette SUN"), 200, netpbm),
@@ -310,7 +314,7 @@ void Iff(std::vector<Case>& all) {
   for (std::string coding : {"-compress", "-nocompress"})
     for (auto [planes, colours] :
          {std::pair{"", 2u}, {"", 16u}, {" -maxplanes 8", 200u}, {" -24force", 0u}})
-      cases.push_back(Read("IFF", "ppmtoilbm " + coding + planes,
+      cases.push_back(Read("IFF", "ppmtoilbm " + coding + planes + ", " + Colours(colours),
                            Sh("ppmtoilbm " + coding + planes + " %in >%out"), colours,
                            Cmd("ilbmtoppm %in")));
   const Setter modes[] = {kIffMode<0>, kIffMode<1>, kIffMode<2>, kIffMode<3>};

@@ -371,10 +371,14 @@ TEST(OracleMatrix, EveryFormatBothWays) {
   batch.RunAll();
   Collect(runs, dir);
 
+  size_t wide = 0;  // of the variant column
+  for (const Case& c : cases)
+    wide = std::max(wide, c.variant.size() + 2 + 19 * (c.widths.size() != 6));
   std::ostringstream out;
   out << "Oracle matrix: " << cases.size()
       << " cases, each at widths 1, 7, 8, 9, 31 and 33 unless it says otherwise\n"
-      << Pad("format", 7) << Pad("way", 6) << Pad("variant", 60) << Pad("oracle", 40) << "result\n";
+      << Pad("format", 7) << Pad("way", 6) << Pad("variant", wide) << Pad("oracle", 40)
+      << "result\n";
   size_t failed = 0;
   for (const CaseFiles& r : runs) {
     const Case& c = *r.c;
@@ -399,7 +403,7 @@ TEST(OracleMatrix, EveryFormatBothWays) {
       ++failed;
       ADD_FAILURE() << c.format << " " << c.variant << ": " << result;
     }
-    out << Pad(c.format, 7) << Pad(writes ? "write" : "read", 6) << Pad(variant, 60)
+    out << Pad(c.format, 7) << Pad(writes ? "write" : "read", 6) << Pad(variant, wide)
         << Pad(oracles, 40) << (result.empty() ? "pass" : "FAIL " + result);
     for (const std::string& d : differences) out << " [" << d << "]";
     out << "\n";
