@@ -20,7 +20,9 @@ namespace {
 using test::Picture;
 using test::TempDir;
 
-int Row(const char* ext) { return FindFormatByExtension(ext); }
+int Row(const char* ext) {
+  return FindFormatByExtension(ext);
+}
 
 class ConvertTest : public ::testing::Test {
  protected:
@@ -103,13 +105,6 @@ TEST_F(ConvertTest, ClickWhileWritingCancelsAndKeepsTheOldOutput) {
   EXPECT_EQ(test::ListDirectory(dir.path()), (std::vector<std::string>{"a.bmp", "a.dib"}));
 }
 
-TEST_F(ConvertTest, ClickWhileReadingABitmapIsAReadError) {
-  std::string source = Make("a.bmp", 8, 20, 50);
-  host.abortOnPoll = 10;
-  EXPECT_EQ(Convert(host, source, Row("DIB")), kReadError);
-  EXPECT_FALSE(std::filesystem::exists(dir / "a.dib"));
-}
-
 TEST_F(ConvertTest, SaveDialogCancelGivesFourAndNoFile) {
   std::string source = Make("a.bmp", 8);
   settings->PromptforDestName = 1;
@@ -117,15 +112,6 @@ TEST_F(ConvertTest, SaveDialogCancelGivesFourAndNoFile) {
   host.saveAnswer = dir / "Chosen.whatever";
   EXPECT_EQ(Convert(host, source, Row("DIB")), 0);
   EXPECT_TRUE(std::filesystem::exists(dir / "chosen.dib"));
-}
-
-TEST_F(ConvertTest, DestinationDirectoryFollowsTheUnderbarRule) {
-  std::string source = Make("landscape.bmp", 4);
-  TempDir out;
-  ConvertOptions options;
-  options.destinationDirectory = out.path();
-  EXPECT_EQ(Convert(host, source, Row("DIB"), options), 0);
-  EXPECT_EQ(test::ListDirectory(out.path()), std::vector<std::string>{"landsc.dib"});
 }
 
 TEST_F(ConvertTest, ChoosesAnImageOfABitmapArray) {
@@ -153,8 +139,8 @@ TEST_F(ConvertTest, SpillStoreGivesTheSameFile) {
   int code = Convert(spillHost, source, Row("DIB"));
   unsetenv("PXM_MEMORY_LIMIT");
   ASSERT_EQ(code, 0);
-  EXPECT_EQ(std::count(spillHost.statuses.begin(), spillHost.statuses.end(),
-                       "Creating spill file"), 1);
+  EXPECT_EQ(std::count(spillHost.statuses.begin(), spillHost.statuses.end(), "Creating spill file"),
+            1);
   EXPECT_EQ(test::ReadFileBytes(dir / "s.dib"), inMemory);
 }
 

@@ -1,7 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <zlib.h>
-
 #include <filesystem>
 #include <fstream>
 
@@ -10,7 +8,6 @@
 #include "config/settings.h"
 #include "core/error_codes.h"
 #include "core/scripted_host.h"
-#include "formats/png_codec.h"
 #include "support/temp_dir.h"
 
 namespace pxm {
@@ -51,16 +48,6 @@ class FileManagement : public ::testing::Test {
   void SetUp() override { fs::create_directory(dir / "to"); }
 };
 
-TEST(CopyCrc, PiecesFoldIntoZlibsCrc32) {
-  const std::string data = Bytes(300000);
-  const auto* p = reinterpret_cast<const uint8_t*>(data.data());
-  uint32_t folded = 0;
-  for (size_t at = 0; at < data.size(); at += kCopyChunk)
-    folded = PngUpdateCrc(folded, {p + at, std::min(kCopyChunk, data.size() - at)});
-  EXPECT_EQ(folded, crc32(0, p, static_cast<uInt>(data.size())));
-  EXPECT_EQ(PngUpdateCrc(0, {reinterpret_cast<const uint8_t*>("123456789"), 9}), 0xCBF43926u);
-}
-
 TEST_F(FileManagement, CopiesInChunksWithTheirStepCount) {
   struct Case {
     size_t size;
@@ -72,7 +59,7 @@ TEST_F(FileManagement, CopiesInChunksWithTheirStepCount) {
     ScriptedHost h;
     ASSERT_EQ(CopyTaggedFile(h, dir / name, dir / "to", kCopyShowsCopying), 0) << c.size;
     EXPECT_EQ(ReadFileBytes(dir / ("to/" + name)), Bytes(c.size));
-    EXPECT_EQ(h.polls, c.chunks) << c.size;             // one look for a click per chunk
+    EXPECT_EQ(h.polls, c.chunks) << c.size;              // one look for a click per chunk
     EXPECT_EQ(h.progressCalls, c.chunks + 1) << c.size;  // the reset, then one per chunk
     if (c.chunks) {
       EXPECT_EQ(h.lastTotal, c.steps) << c.size;

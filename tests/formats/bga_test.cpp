@@ -11,20 +11,16 @@
 #include "core/error_codes.h"
 #include "core/pixels.h"
 #include "core/row_format.h"
+#include "support/decoded.h"
 #include "support/picture.h"
 #include "support/temp_dir.h"
 
 namespace pxm {
 namespace {
 
+using test::Le;
 using test::Pattern;
 using test::Picture;
-
-std::string Le(uint32_t value, int bytes) {
-  std::string s;
-  for (int i = 0; i < bytes; ++i) s += static_cast<char>(value >> (8 * i));
-  return s;
-}
 
 uint32_t U16(const std::string& s, size_t at) {
   return LoadLe16(reinterpret_cast<const uint8_t*>(&s[at]));
@@ -46,30 +42,8 @@ void PadTo(std::string& file, size_t offset) {
   file.resize(offset, '\0');
 }
 
-// Info and read of image `index` straight through the handlers, into a memory picture.
-struct Decoded {
-  int infoCode = -1;
-  int readCode = -1;
-  ImageInfo info;
-  Picture picture;
-};
-
-Decoded Decode(const std::string& path, uint32_t index, int abortOn = 0) {
-  Decoded d;
-  d.info.imageIndex = index;
-  d.infoCode = BgaInfo(d.info, path, 0);
-  if (d.infoCode != kOk) return d;
-  d.picture = Picture::Blank(d.info.width, d.info.depth, d.info.bits);
-  d.picture.palette = d.info.palette;
-  int delivered = 0;
-  d.info.putLine = [&](std::span<uint8_t> row, int32_t y) {
-    auto& out = d.picture.rows[static_cast<size_t>(y)];
-    std::copy(row.begin(), row.begin() + static_cast<std::ptrdiff_t>(out.size()), out.begin());
-    return ++delivered == abortOn ? 1 : 0;
-  };
-  d.readCode = BgaRead(d.info, path);
-  d.info.putLine = nullptr;
-  return d;
+test::Decoded Decode(const std::string& path, uint32_t index, int abortOn = 0) {
+  return test::DecodeFile(path, abortOn, index);
 }
 
 TEST(BgaWrite, EntryColourTableAndRows) {
@@ -152,7 +126,7 @@ TEST(BgaInfo, ChainsOfEntriesAndTheChosenImage) {
   test::TempDir dir;
   test::WriteFileBytes(dir / "c.bga", ThreeEntryChain());
 
-  Decoded one = Decode(dir / "c.bga", 0);
+  test::Decoded one = Decode(dir / "c.bga", 0);
   ASSERT_EQ(one.readCode, kOk);
   EXPECT_EQ(one.info.imageCount, 3u);
   EXPECT_EQ(one.info.fileSize, 918);
@@ -160,25 +134,25 @@ TEST(BgaInfo, ChainsOfEntriesAndTheChosenImage) {
   EXPECT_EQ(one.info.bits, 1u);
   EXPECT_EQ(one.info.unpackedSize, 2u);
   EXPECT_EQ(one.info.palette[1], (Rgb{255, 255, 255}));
-  EXPECT_EQ(one.picture.rows[1][0], 0xF0);  // bottom row first
-  EXPECT_EQ(one.picture.rows[0][0], 0x0F);
+  EXPECT_EQ(one.rows[1][0], 0xF0);  // bottom row first
+  EXPECT_EQ(one.rows[0][0], 0x0F);
 
-  Decoded eight = Decode(dir / "c.bga", 1);
+  test::Decoded eight = Decode(dir / "c.bga", 1);
   ASSERT_EQ(eight.readCode, kOk);
   EXPECT_EQ(eight.info.imageCount, 3u);
   EXPECT_EQ(eight.info.width, 3u);
   EXPECT_EQ(eight.info.bits, 8u);
   EXPECT_EQ(eight.info.palette[2], (Rgb{253, 7, 2}));
-  EXPECT_EQ(eight.picture.Pixel(2, 1), 3u);
-  EXPECT_EQ(eight.picture.Pixel(0, 0), 4u);
+  EXPECT_EQ(eight.Pixel(2, 1), 3u);
+  EXPECT_EQ(eight.Pixel(0, 0), 4u);
 
-  Decoded rgb = Decode(dir / "c.bga", 2);
+  test::Decoded rgb = Decode(dir / "c.bga", 2);
   ASSERT_EQ(rgb.readCode, kOk);
   EXPECT_EQ(rgb.info.bits, 24u);
-  EXPECT_EQ(rgb.picture.Pixel(0, 0), 0x302010u);
-  EXPECT_EQ(rgb.picture.Pixel(1, 0), 0x605040u);
+  EXPECT_EQ(rgb.Pixel(0, 0), 0x302010u);
+  EXPECT_EQ(rgb.Pixel(1, 0), 0x605040u);
 
-  Decoded none = Decode(dir / "c.bga", 3);
+  test::Decoded none = Decode(dir / "c.bga", 3);
   EXPECT_EQ(none.infoCode, kNoBitmap);
   EXPECT_EQ(none.info.imageCount, 3u);
 }
@@ -190,16 +164,16 @@ TEST(BgaInfo, EntriesThatCountButCannotBeRead) {
   PadTo(f, 92);
   f += Entry(0, 1, 1, 1, 138) + std::string("\0\0\0\xFF\xFF\xFF\x80\0\0\0", 10);
   test::WriteFileBytes(dir / "a.bga", f);
-  Decoded first = Decode(dir / "a.bga", 0);
+  test::Decoded first = Decode(dir / "a.bga", 0);
   EXPECT_EQ(first.infoCode, kNoBitmap);
   EXPECT_EQ(first.info.imageCount, 2u);
-  Decoded second = Decode(dir / "a.bga", 1);
+  test::Decoded second = Decode(dir / "a.bga", 1);
   EXPECT_EQ(second.readCode, kOk);
-  EXPECT_EQ(second.picture.Pixel(0, 0), 1u);
+  EXPECT_EQ(second.Pixel(0, 0), 1u);
 
   auto infoCode = [&](const std::string& bytes) {
     test::WriteFileBytes(dir / "x.bga", bytes);
-    Decoded d = Decode(dir / "x.bga", 0);
+    test::Decoded d = Decode(dir / "x.bga", 0);
     EXPECT_EQ(d.info.imageCount, 0u);
     return d.infoCode;
   };
@@ -219,7 +193,7 @@ TEST(BgaInfo, ChainsThatLoopBackCountEachEntryOnce) {
   PadTo(self, 100);
   self += Entry(100, 1, 1, 1, 140) + std::string(4, '\0');
   test::WriteFileBytes(dir / "self.bga", self);
-  Decoded d = Decode(dir / "self.bga", 1);
+  test::Decoded d = Decode(dir / "self.bga", 1);
   EXPECT_EQ(d.readCode, kOk);
   EXPECT_EQ(d.info.imageCount, 2u);
   EXPECT_EQ(Decode(dir / "self.bga", 2).infoCode, kNoBitmap);
@@ -232,17 +206,17 @@ TEST(BgaInfo, ChainsThatLoopBackCountEachEntryOnce) {
   PadTo(wide, far);
   wide += Entry(100, 1, 1, 1, far + 40) + std::string("\x80\0\0\0", 4);
   test::WriteFileBytes(dir / "wide.bga", wide);
-  Decoded last = Decode(dir / "wide.bga", 2);
+  test::Decoded last = Decode(dir / "wide.bga", 2);
   EXPECT_EQ(last.readCode, kOk);
   EXPECT_EQ(last.info.imageCount, 3u);
-  EXPECT_EQ(last.picture.Pixel(0, 0), 1u);
+  EXPECT_EQ(last.Pixel(0, 0), 1u);
   EXPECT_EQ(Decode(dir / "wide.bga", 3).infoCode, kNoBitmap);
 }
 
 TEST(BgaRead, AbortShortRowsAndWriterAbort) {
   test::TempDir dir;
   ASSERT_EQ(test::WritePicture(Pattern(9, 4, 8), dir / "a.bga"), kOk);
-  Decoded aborted = Decode(dir / "a.bga", 0, 2);
+  test::Decoded aborted = Decode(dir / "a.bga", 0, 2);
   EXPECT_EQ(aborted.readCode, kCancelled);  // unlike bitmap files
 
   std::string f = test::ReadFileBytes(dir / "a.bga");

@@ -10,9 +10,9 @@
 #include "config/settings.h"
 #include "core/error_codes.h"
 #include "core/scripted_host.h"
-#include "formats/codec_test_util.h"
 #include "formats/comment_source.h"
 #include "formats/gif_lzw.h"
+#include "support/decoded.h"
 #include "support/picture.h"
 #include "support/temp_dir.h"
 
@@ -24,10 +24,6 @@ using test::Le;
 using test::Pattern;
 using test::Picture;
 using test::Raw;
-
-test::Decoded Decode(const std::string& path, int abortOn = 0, uint32_t imageIndex = 0) {
-  return test::DecodeThrough(GifInfo, GifRead, path, abortOn, imageIndex);
-}
 
 std::string Table(std::initializer_list<Rgb> colours) {
   std::string s;
@@ -138,28 +134,6 @@ TEST(GifWrite, CommentSubBlocksAndWhereTheTextComesFrom) {
   EXPECT_EQ(comment(nullptr), "");
 }
 
-TEST(GifRoundTrip, EveryDepthPlainAndInterlaced) {
-  test::TempDir dir;
-  for (bool interlaced : {false, true})
-    for (uint32_t bits = 1; bits <= 8; ++bits)
-      for (auto [w, h] : {std::pair{1u, 1}, {7u, 3}, {33u, 17}, {300u, 9}}) {
-        SCOPED_TRACE(testing::Message()
-                     << w << "x" << h << "x" << bits << (interlaced ? " interlaced" : ""));
-        ScopedSettings settings;
-        settings->WriteGIFInterlaced = interlaced;
-        Picture p = Pattern(w, h, bits, w + bits);
-        ASSERT_EQ(test::WritePicture(p, dir / "r.gif"), kOk);
-        Picture q;
-        ASSERT_EQ(test::ReadPicture(dir / "r.gif", q), kOk);
-        ASSERT_EQ(q.bits, bits);
-        for (int32_t y = 0; y < p.depth; ++y)
-          for (uint32_t x = 0; x < p.width; ++x)
-            ASSERT_EQ(q.Pixel(x, y), p.Pixel(x, y)) << x << "," << y;
-        for (uint32_t i = bits == 1 ? 2 : 0; i < (1u << bits); ++i)
-          EXPECT_EQ(q.palette[i], p.palette[i]);
-      }
-}
-
 TEST(GifRead, HeaderPlacesPalettesAndImageChoice) {
   test::TempDir dir;
   const Rgb red{255, 0, 0}, blue{0, 0, 255};
@@ -168,7 +142,7 @@ TEST(GifRead, HeaderPlacesPalettesAndImageChoice) {
       Header("GIF89a", 4, 3, 0x80, 1, Table({red, blue})) + Image(4, 3, 0, "", 2, pixels) + ";";
   // Behind a MacBinary header: read as if it were not there.
   test::WriteFileBytes(dir / "mac.gif", std::string(128, 'M') + plain);
-  test::Decoded d = Decode(dir / "mac.gif");
+  test::Decoded d = test::DecodeFile(dir / "mac.gif");
   ASSERT_EQ(d.readCode, kOk);
   EXPECT_EQ(std::tuple(d.info.width, d.info.bits, d.info.background, d.info.unpackedSize),
             std::tuple(4u, 1u, 1u, 3u));
@@ -190,14 +164,22 @@ TEST(GifRead, HeaderPlacesPalettesAndImageChoice) {
   test::WriteFileBytes(dir / "three.gif", three);
   ScopedSettings settings;
   settings->MultipleImageGIF = 1;
-  d = Decode(dir / "three.gif", 0, 2);
+  d = test::DecodeFile(dir / "three.gif", 0, 2);
   ASSERT_EQ(d.readCode, kOk);
   EXPECT_EQ(std::tuple(d.info.width, d.info.depth, d.info.bits, d.info.imageCount, d.info.flags),
             std::tuple(5u, 2, 2u, 3u, 0x81u));
   EXPECT_EQ(d.info.palette[3], c3);
   EXPECT_EQ(d.rows[1], (Bytes{0x10, 0x32, 0x10, 0}));  // indices 1 0 3 2 1, four bits each
+  // An image on the global table after one with a local table shows the local table.
+  test::WriteFileBytes(dir / "after.gif",
+                       Header("GIF89a", 2, 1, 0x81, 0, Table({red, blue, red, blue})) +
+                           Image(2, 1, 0x81, Table({c0, c1, c2, c3}), 2, Indices(2, 4, 0)) +
+                           Image(2, 1, 0, "", 2, Indices(2, 4, 3)) + ";");
+  d = test::DecodeFile(dir / "after.gif", 0, 1);
+  ASSERT_EQ(d.readCode, kOk);
+  EXPECT_EQ(d.info.palette[3], c3);
   settings->MultipleImageGIF = 0;
-  d = Decode(dir / "three.gif", 0, 2);
+  d = test::DecodeFile(dir / "three.gif", 0, 2);
   EXPECT_EQ(std::tuple(d.readCode, d.info.width, d.info.imageCount), std::tuple(kOk, 2u, 0u));
 }
 
@@ -238,7 +220,7 @@ TEST(GifRead, DamagedFilesAndTheirCodes) {
     EXPECT_EQ(rows, c.rows) << c.what;
   }
   test::WriteFileBytes(dir / "a.gif", head + image + ";");
-  EXPECT_EQ(Decode(dir / "a.gif", 2).readCode, kCancelled);
+  EXPECT_EQ(test::DecodeFile(dir / "a.gif", 2).readCode, kCancelled);
   ImageInfo info;
   EXPECT_EQ(GifInfo(info, dir / "none.gif", 0), kOpenError);
   // Writing: any failure of the coding, a stop from the source too, is a write error.
@@ -268,58 +250,21 @@ TEST(GifList, BlockReportAndComments) {
   ImageInfo info;
   std::vector<std::string> lines;
   ASSERT_EQ(GifList(info, dir / "a.gif", lines), kOk);
-  const std::string sep(49, '-');
-  const std::vector<std::string> want = {"SCREEN DESCRIPTOR",
-                                         sep,
-                                         "Macintosh name:\t\t Snaps",
-                                         "Screen dimensions:\t 3 by 2",
-                                         "Screen bits: \t\t 1",
-                                         "Background colour:\t 1",
-                                         "Global palette:\t\t YES",
-                                         "",
-                                         "CONTROL BLOCK",
-                                         sep,
-                                         "This block requires 4 bytes",
-                                         "Dispose to background colour",
-                                         "User input required - delay for 5 seconds",
-                                         "Transparent colour: 5",
-                                         "",
-                                         "COMMENT BLOCK",
-                                         sep,
-                                         "Hi",
-                                         "there",
-                                         "",
-                                         "GIF APPLICATION BLOCK",
-                                         sep,
-                                         "GIF APPLICATION identification string: NETSCAPE",
-                                         "",
-                                         "PLAIN TEXT BLOCK",
-                                         sep,
-                                         "This block requires 12 bytes",
-                                         "Text location at (1,2)",
-                                         "Grid dimensions are 30 by 8",
-                                         "Cell dimensions are 6 by 8",
-                                         "Foregound colour is 1",
-                                         "Background colour is 0",
-                                         "",
-                                         "Skipping unknown extension type 99",
-                                         "",
-                                         "IMAGE BLOCK",
-                                         sep,
-                                         "Image dimensions:\t 3 by 2",
-                                         "Image bits:\t\t 1",
-                                         "Local palette:\t\t NO",
-                                         "Interlaced:\t\t NO",
-                                         "",
-                                         "IMAGE BLOCK",
-                                         sep,
-                                         "Image dimensions:\t 3 by 2",
-                                         "Image bits:\t\t 2",
-                                         "Local palette:\t\t YES",
-                                         "Interlaced:\t\t YES",
-                                         sep,
-                                         "Unexpected end of image"};
-  EXPECT_EQ(lines, want);
+  // The report a line a "\n", "=" standing for the 49 dashes under each heading.
+  const std::string want =
+      "SCREEN DESCRIPTOR\n=\nMacintosh name:\t\t Snaps\nScreen dimensions:\t 3 by 2\n"
+      "Screen bits: \t\t 1\nBackground colour:\t 1\nGlobal palette:\t\t YES\n\n"
+      "CONTROL BLOCK\n=\nThis block requires 4 bytes\nDispose to background colour\n"
+      "User input required - delay for 5 seconds\nTransparent colour: 5\n\nCOMMENT BLOCK\n"
+      "=\nHi\nthere\n\nGIF APPLICATION BLOCK\n=\n"
+      "GIF APPLICATION identification string: NETSCAPE\n\nPLAIN TEXT BLOCK\n=\n"
+      "This block requires 12 bytes\nText location at (1,2)\nGrid dimensions are 30 by 8\n"
+      "Cell dimensions are 6 by 8\nForegound colour is 1\nBackground colour is 0\n\n"
+      "Skipping unknown extension type 99\n\nIMAGE BLOCK\n=\nImage dimensions:\t 3 by 2\n"
+      "Image bits:\t\t 1\nLocal palette:\t\t NO\nInterlaced:\t\t NO\n\nIMAGE BLOCK\n=\n"
+      "Image dimensions:\t 3 by 2\nImage bits:\t\t 2\nLocal palette:\t\t YES\n"
+      "Interlaced:\t\t YES\n=\nUnexpected end of image";
+  EXPECT_EQ(test::JoinLines(lines), test::Rules(want));
 
   std::string text;
   EXPECT_EQ(GifReadComments(info, dir / "a.gif", text), kOk);

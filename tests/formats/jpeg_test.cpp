@@ -18,7 +18,9 @@ namespace {
 using test::Picture;
 using Codes = std::pair<int, int>;  // info, then read
 
-std::string Sample(const std::string& name) { return test::SourceDir() + "/tests/data/jpeg/" + name; }
+std::string Sample(const std::string& name) {
+  return test::SourceDir() + "/tests/data/jpeg/" + name;
+}
 
 TEST(JpegInfo, SizesBitsAndColourSpaceNames) {
   struct Case {
@@ -81,16 +83,7 @@ TEST(JpegRead, TruncatedDamagedAndMissingFiles) {
   EXPECT_EQ(JpegRead(info, dir / "missing.jpg"), kOpenError);
 }
 
-// Pixels are compared with djpeg's in the oracle tests; here the shape of what is delivered.
-TEST(JpegRead, GreyStaysGreyAndTheSinkCanStop) {
-  for (int rgb : {0, 1}) {
-    ScopedSettings settings;
-    settings->ReadJpegRgb = rgb;
-    Picture grey;
-    ASSERT_EQ(test::ReadPicture(Sample("grey.jpg"), grey), kOk);
-    EXPECT_EQ(grey.bits, 8u);
-    for (const Rgb& c : test::Colours(grey)) ASSERT_TRUE(c.red == c.green && c.green == c.blue);
-  }
+TEST(JpegRead, TheSinkCanStop) {
   ImageInfo info;
   ASSERT_EQ(JpegInfo(info, Sample("progressive.jpg"), 0), kOk);
   int rows = 0;
@@ -100,17 +93,6 @@ TEST(JpegRead, GreyStaysGreyAndTheSinkCanStop) {
   };
   EXPECT_EQ(JpegRead(info, Sample("progressive.jpg")), kCancelled);
   EXPECT_EQ(rows, 4);
-}
-
-TEST(JpegWrite, OneBitPicturesBecomeColourFiles) {
-  test::TempDir dir;
-  ScopedSettings settings;
-  settings->ReadJpegRgb = 1;
-  ASSERT_EQ(test::WritePicture(test::Pattern(17, 3, 1), dir / "a.jpe"), kOk);
-  ImageInfo info;
-  ASSERT_EQ(JpegInfo(info, dir / "a.jpe", 0), kOk);
-  EXPECT_EQ(info.description, "YUV colour space");
-  EXPECT_EQ(info.bits, 24u);
 }
 
 TEST(JpegWrite, ACancelLeavesNothing) {

@@ -4,8 +4,9 @@
 
 #include <filesystem>
 
-#include "formats/codec_test_util.h"
+#include "core/error_codes.h"
 #include "formats/pcx_rle.h"
+#include "support/decoded.h"
 #include "support/picture.h"
 #include "support/temp_dir.h"
 #include "thumbs/fixed_palette.h"
@@ -17,10 +18,6 @@ using test::Bytes;
 using test::Le;
 using test::Picture;
 using test::Raw;
-
-test::Decoded Decode(const std::string& path, int abortOn = 0) {
-  return test::DecodeThrough(PcxInfo, PcxRead, path, abortOn);
-}
 
 // A 128-byte header; the coded rows follow it.
 std::string Header(int version, int bitsPerPixel, int planes, int width, int depth,
@@ -57,7 +54,7 @@ TEST(PcxRead, RunCountOutlivesTheRow) {
   // that follows stores nothing. Past the end of the file bytes read as 0.
   test::WriteFileBytes(dir / "a.pcx", Header(5, 8, 1, 4, 5, 4) +
                                           Raw({0xC6, 7, 1, 2, 0xC0, 9, 0xC2, 3, 5, 6, 0xC2, 8}));
-  test::Decoded d = Decode(dir / "a.pcx");
+  test::Decoded d = test::DecodeFile(dir / "a.pcx");
   ASSERT_EQ(d.readCode, kOk);
   const std::vector<Bytes> want = {
       {7, 7, 7, 7}, {7, 7, 1, 2}, {2, 2, 2, 2}, {3, 3, 5, 6}, {8, 8, 0, 0}};
@@ -65,7 +62,7 @@ TEST(PcxRead, RunCountOutlivesTheRow) {
   // A row start with no run pending leaves -1 too: after a row of literals the next row is
   // filled, and the literal read after it lands past its end.
   test::WriteFileBytes(dir / "b.pcx", Header(5, 8, 1, 2, 2, 2) + Raw({1, 2, 3, 4}));
-  d = Decode(dir / "b.pcx");
+  d = test::DecodeFile(dir / "b.pcx");
   EXPECT_EQ(d.readCode, kReadError);
   EXPECT_EQ(d.rows.size(), 1u);
 }
@@ -86,7 +83,7 @@ TEST(PcxWrite, PlanesAndHeaders) {
                      palette + Raw({0, 3}) + Le(1, 2) + Le(1, 2);
   EXPECT_EQ(test::ReadFileBytes(dir / "a.pcx"),
             want + std::string(128 - want.size(), '\0') + Raw({0xAC, 0x64, 0x1C}));
-  test::Decoded d = Decode(dir / "a.pcx");
+  test::Decoded d = test::DecodeFile(dir / "a.pcx");
   EXPECT_EQ(d.info.bits, 3u);
   EXPECT_EQ(d.rows[0], (Bytes{0x12, 0x34, 0x50, 0}));  // back as 4-bit pixels
 
@@ -166,7 +163,7 @@ TEST(PcxRead, RefusalsAndTheirCodes) {
   ImageInfo info;
   EXPECT_EQ(PcxInfo(info, dir / "none.pcx", 0), kOpenError);
   test::WriteFileBytes(dir / "a.pcx", good);
-  EXPECT_EQ(Decode(dir / "a.pcx", 1).readCode, kCancelled);
+  EXPECT_EQ(test::DecodeFile(dir / "a.pcx", 1).readCode, kCancelled);
 
   info.width = 5;
   info.depth = 4;
@@ -177,27 +174,6 @@ TEST(PcxRead, RefusalsAndTheirCodes) {
   EXPECT_EQ(PcxWrite(info, dir / "no/dir/w.pcx"), kCreateError);
   info.width = 40000;  // more than the header's signed 16 bits
   EXPECT_EQ(PcxWrite(info, dir / "w.pcx"), kUnsuitableImage);
-}
-
-TEST(PcxRoundTrip, EveryDepthAtAwkwardSizes) {
-  test::TempDir dir;
-  for (uint32_t bits : {1u, 2u, 3u, 4u, 5u, 8u, 24u})
-    for (auto [w, h] : {std::pair{1u, 1}, {7u, 3}, {33u, 17}, {256u, 2}}) {
-      SCOPED_TRACE(testing::Message() << w << "x" << h << "x" << bits);
-      Picture p = test::Pattern(w, h, bits, w + bits);
-      // A row coded as literals only would spoil the next: two pixels of all ones begin every
-      // row, and those always code with a count byte.
-      for (int32_t y = 0; y < h; ++y)
-        for (uint32_t x = 0; x < std::min(w, 2u); ++x)
-          p.SetPixel(x, y, bits == 24 ? 0xFFFFFF : (1u << bits) - 1);
-      ASSERT_EQ(test::WritePicture(p, dir / "r.pcx"), kOk);
-      Picture q;
-      ASSERT_EQ(test::ReadPicture(dir / "r.pcx", q), kOk);
-      EXPECT_EQ(q.bits,
-                bits >= 5 && bits <= 8 ? 8u : bits);  // five to eight bits are written as eight
-      for (int32_t y = 0; y < h; ++y)
-        for (uint32_t x = 0; x < w; ++x) ASSERT_EQ(q.Pixel(x, y), p.Pixel(x, y)) << x << "," << y;
-    }
 }
 
 }  // namespace

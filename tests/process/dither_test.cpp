@@ -19,15 +19,15 @@ constexpr uint32_t kFloydBi = kDitherFloyd | kDitherBidirectional | kDitherSize1
 // Palette entries whose greys (with contrast and brightness 0, the table is the identity on
 // 1..254) are worked out from the first byte: (59b div 100) + (30b div 100) + (11b div 100).
 enum Entry : uint32_t {
-  kBlack = 0,   // grey 1 (the table's floor): the minimum
-  kWhite = 1,   // 255 -> 150 + 76 + 28 = 254: the maximum
-  kG246 = 2,    // 247 -> 145 + 74 + 27
-  kG131 = 3,    // 133 -> 78 + 39 + 14
-  kG127 = 4,    // 128 -> 75 + 38 + 14
-  kG200 = 5,    // 200 -> 118 + 60 + 22
-  kG100 = 6,    // 100 -> 59 + 30 + 11
-  kG128 = 7,    // 129 -> 76 + 38 + 14
-  kG36 = 8,     // 37 -> 21 + 11 + 4
+  kBlack = 0,  // grey 1 (the table's floor): the minimum
+  kWhite = 1,  // 255 -> 150 + 76 + 28 = 254: the maximum
+  kG246 = 2,   // 247 -> 145 + 74 + 27
+  kG131 = 3,   // 133 -> 78 + 39 + 14
+  kG127 = 4,   // 128 -> 75 + 38 + 14
+  kG200 = 5,   // 200 -> 118 + 60 + 22
+  kG100 = 6,   // 100 -> 59 + 30 + 11
+  kG128 = 7,   // 129 -> 76 + 38 + 14
+  kG36 = 8,    // 37 -> 21 + 11 + 4
 };
 
 test::Picture Greys(uint32_t width, const Rows& rows) {
@@ -108,68 +108,62 @@ TEST(DitherImage, TwentyFourBitGreyComesFromTheFirstByte) {
   EXPECT_EQ(PixelsOf(held.Result()), (Rows{{0, 1, 0}}));
 }
 
-TEST(DitherImage, ExtremesOfAPaletteComeFromEveryEntry) {
-  // Only white is used, but black in the palette sets the minimum: L = (1 + 254) / 2 = 127, and
-  // white loses nothing to diffusion. A constant 24-bit picture is its own extremes: every pixel
-  // sits at L and is black.
-  EXPECT_EQ(Dither(4, {{kWhite, kWhite, kWhite, kWhite}}, kFloydUni), (Rows{{1, 1, 1, 1}}));
-  EXPECT_EQ(Dither(2, {{kG127, kG127}}, kDitherThreshold | 126), (Rows{{1, 1}}));
-  test::Picture flat = FromPixels(5, 24, Rows(3, std::vector<uint32_t>(5, 0x5AC80A)));
-  for (uint32_t mode : {kFloydUni, kDitherBurkes | kDitherUnidirectional, kDitherStucki | kDitherBidirectional}) {
-    HeldPicture held(flat, 24);
-    ASSERT_EQ(DitherImage(held.info, mode, "f.bmp"), kOk);
-    EXPECT_EQ(PixelsOf(held.Result()), Rows(3, std::vector<uint32_t>(5, 0))) << mode;
-  }
-}
-
-TEST(DitherImage, OnePixelWideUnderEachKernel) {
+TEST(DitherImage, WorkedOutcomesOfSmallGreyPictures) {
+  struct Case {
+    uint32_t mode;
+    Rows picture, expected;
+  };
+  const Rows row = {{kG200, kG100, kG100}};
+  const Case cases[] = {
+      // Only white is used, but black in the palette sets the minimum: L = (1 + 254) / 2 = 127,
+      // and white loses nothing to diffusion.
+      {kFloydUni, {{kWhite, kWhite, kWhite, kWhite}}, {{1, 1, 1, 1}}},
+      {kDitherThreshold | 126, {{kG127, kG127}}, {{1, 1}}},
+      // 246 is white with error -8; 7 × -8 / 16 = -3.5 becomes -3, so 131 reaches 128 and is
+      // white (rounding down would leave it at 127, black).
+      {kFloydUni, {{kG246, kG131}}, {{1, 1}}},
+      // Burkes: 127 black (e 126): 31 to the next, 15 to the one after -> 158 white (e -96, -24)
+      // -> 118 black. Stucki gives the nearer pixel 4/42 and the farther 8/42: 12 and 24 -> 139
+      // white (e -115, -10) -> 141 white.
+      {kDitherBurkes | kDitherUnidirectional, {{kG127, kG127, kG127}}, {{0, 1, 0}}},
+      {kDitherStucki | kDitherUnidirectional, {{kG127, kG127, kG127}}, {{0, 1, 1}}},
+      // Left to right: 200 white (e -54, -23 ahead) -> 77 black (e 76, +33) -> 133 white.
+      // Right to left: 100 black (e 99, +43) -> 143 white (e -111, -48) -> 152 white.
+      {kFloydUni, row, {{1, 0, 1}}},
+      {kFloydBi, row, {{1, 1, 0}}},
+      // Serpentine: row 0 goes right to left, row 1 left to right (a black row at the minimum
+      // passes no error down).
+      {kFloydBi, {{kBlack, kBlack, kBlack}, row[0]}, {{0, 0, 0}, {1, 0, 1}}},
+      // Row 0: 127 black (e 126: +55 ahead, +39 below, +7 below right); 182 white (e -72) would
+      // send -13 down-left to column 0, which the edge rule drops. Row 1: 100 + 39 = 139 white
+      // (126, black, had the share arrived); its error -115 takes 127 + 7 - 22 = 112 down to 62.
+      {kFloydUni, {{kG127, kG127}, {kG100, kG127}}, {{0, 1}, {1, 0}}},
+  };
+  for (const Case& c : cases)
+    EXPECT_EQ(Dither(static_cast<uint32_t>(c.picture[0].size()), c.picture, c.mode), c.expected)
+        << &c - cases;
   // Grey 127 down a column. Floyd-Steinberg: 127 black, 126 × 5/16 = 39 down -> 166 white,
   // -88 × 5/16 = -27 -> 100 black, 99 × 5/16 = 30 -> 157 white. Burkes (8/32): 31 -> 158 white,
   // -24 -> 103 black, 25 -> 152 white. Stucki: 24 and 12 down -> 151 white; -19 and -9 -> 120
   // black; 22 -> 140 white. Shares to the side vanish in either direction.
-  const Rows column = {{kG127}, {kG127}, {kG127}, {kG127}};
-  const Rows expected = {{0}, {1}, {0}, {1}};
   for (uint32_t method : {kDitherFloyd, kDitherBurkes, kDitherStucki})
     for (uint32_t direction : {kDitherUnidirectional, kDitherBidirectional})
-      EXPECT_EQ(Dither(1, column, method | direction), expected) << method << " " << direction;
-}
-
-TEST(DitherImage, SharesAreTruncatedTowardZero) {
-  // 246 is white with error -8; 7 × -8 / 16 = -3.5 becomes -3, so 131 reaches 128 and is white
-  // (rounding down would leave it at 127, black).
-  EXPECT_EQ(Dither(2, {{kG246, kG131}}, kFloydUni), (Rows{{1, 1}}));
-}
-
-TEST(DitherImage, WeightsAheadInTheRow) {
-  // Burkes: 127 black (e 126): 31 to the next, 15 to the one after -> 158 white (e -96, -24) ->
-  // 118 black. Stucki gives the nearer pixel 4/42 and the farther 8/42: 12 and 24 -> 139 white
-  // (e -115, -10) -> 141 white.
-  const Rows row = {{kG127, kG127, kG127}};
-  EXPECT_EQ(Dither(3, row, kDitherBurkes | kDitherUnidirectional), (Rows{{0, 1, 0}}));
-  EXPECT_EQ(Dither(3, row, kDitherStucki | kDitherUnidirectional), (Rows{{0, 1, 1}}));
-}
-
-TEST(DitherImage, ScanDirections) {
-  // Left to right: 200 white (e -54, -23 ahead) -> 77 black (e 76, +33) -> 133 white.
-  // Right to left: 100 black (e 99, +43) -> 143 white (e -111, -48) -> 152 white.
-  const Rows row = {{kG200, kG100, kG100}};
-  EXPECT_EQ(Dither(3, row, kFloydUni), (Rows{{1, 0, 1}}));
-  EXPECT_EQ(Dither(3, row, kFloydBi), (Rows{{1, 1, 0}}));
-  // Serpentine: row 0 goes right to left, row 1 left to right (a black row at the minimum passes
-  // no error down).
-  EXPECT_EQ(Dither(3, {{kBlack, kBlack, kBlack}, row[0]}, kFloydBi), (Rows{{0, 0, 0}, {1, 0, 1}}));
+      EXPECT_EQ(Dither(1, {{kG127}, {kG127}, {kG127}, {kG127}}, method | direction),
+                (Rows{{0}, {1}, {0}, {1}}))
+          << method << " " << direction;
+  // A constant 24-bit picture is its own extremes: every pixel sits at L and is black.
+  test::Picture flat = FromPixels(5, 24, Rows(3, std::vector<uint32_t>(5, 0x5AC80A)));
+  for (uint32_t mode :
+       {kFloydUni, kDitherBurkes | kDitherUnidirectional, kDitherStucki | kDitherBidirectional}) {
+    HeldPicture held(flat, 24);
+    ASSERT_EQ(DitherImage(held.info, mode, "f.bmp"), kOk);
+    EXPECT_EQ(PixelsOf(held.Result()), Rows(3, std::vector<uint32_t>(5, 0))) << mode;
+  }
   // No direction bit: diffusion writes nothing and the row keeps its grey bytes (200 = 0xC8).
   HeldPicture held(Greys(3, row), 8);
   held.settings->DitherContrast = 0;
   ASSERT_EQ(DitherImage(held.info, kDitherFloyd | kDitherSize1, "n.bmp"), kOk);
   EXPECT_EQ(held.Result().rows[0][0], 200);
-}
-
-TEST(DitherImage, LeftToRightNeverFeedsColumnZeroBelow) {
-  // Row 0: 127 black (e 126: +55 ahead, +39 below, +7 below right); 182 white (e -72) would
-  // send -13 down-left to column 0, which the edge rule drops. Row 1: 100 + 39 = 139 white
-  // (126, black, had the share arrived); its error -115 takes 127 + 7 - 22 = 112 down to 62.
-  EXPECT_EQ(Dither(2, {{kG127, kG127}, {kG100, kG127}}, kFloydUni), (Rows{{0, 1}, {1, 0}}));
 }
 
 TEST(DitherImage, BayerPositions) {

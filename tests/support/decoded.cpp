@@ -11,26 +11,29 @@ uint32_t Decoded::Pixel(uint32_t x, int32_t y) const {
   return PixelAt(rows.at(y).data(), x, StorageBits(info.bits));
 }
 
-Decoded DecodeBytes(const TempDir& dir, const std::string& name, const std::string& bytes,
-                    int abortOn) {
-  const std::string path = dir / name;
-  WriteFileBytes(path, bytes);
+Decoded DecodeFile(const std::string& path, int abortOn, uint32_t imageIndex) {
   Decoded d;
   const int format = FindFormat(path);
   if (format < 0) return d;
   d.info.background = 9;  // a stale value shows whether info sets the fill value itself
+  d.info.imageIndex = imageIndex;
   d.infoCode = FormatAt(format).info(d.info, path, 0);
   if (d.infoCode != 0) return d;
-  int delivered = 0;
   const auto stored = static_cast<ptrdiff_t>(PackedRowBytes(d.info.width, d.info.bits));
   d.info.putLine = [&](std::span<uint8_t> row, int32_t y) {
-    d.rows[y] = std::vector<uint8_t>(row.begin(), row.begin() + stored);
+    d.rows[y] = Bytes(row.begin(), row.begin() + stored);
     d.order.push_back(y);
-    return ++delivered == abortOn ? 1 : 0;
+    return static_cast<int>(d.order.size()) == abortOn ? 1 : 0;
   };
   d.readCode = FormatAt(format).read(d.info, path);
   d.info.putLine = nullptr;
   return d;
+}
+
+Decoded DecodeBytes(const TempDir& dir, const std::string& name, const std::string& bytes,
+                    int abortOn) {
+  WriteFileBytes(dir / name, bytes);
+  return DecodeFile(dir / name, abortOn);
 }
 
 testing::AssertionResult RoundTrips(const Picture& p, const std::string& path, uint32_t bits) {
@@ -45,6 +48,23 @@ testing::AssertionResult RoundTrips(const Picture& p, const std::string& path, u
   for (uint32_t i = 0; p.bits > 1 && p.bits <= 8 && i < (1u << p.bits); ++i)
     if (!(q.palette[i] == p.palette[i])) return testing::AssertionFailure() << "palette " << i;
   return testing::AssertionSuccess();
+}
+
+std::string JoinLines(const std::vector<std::string>& lines) {
+  std::string s;
+  for (size_t i = 0; i < lines.size(); ++i) s += (i ? "\n" : "") + lines[i];
+  return s;
+}
+
+std::string Rules(const std::string& text) {
+  std::vector<std::string> lines;
+  for (size_t at = 0; at <= text.size();) {
+    const size_t end = std::min(text.find('\n', at), text.size());
+    lines.push_back(text.substr(at, end - at) == "=" ? std::string(49, '-')
+                                                     : text.substr(at, end - at));
+    at = end + 1;
+  }
+  return JoinLines(lines);
 }
 
 std::string Raw(std::initializer_list<int> bytes) {
