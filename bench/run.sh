@@ -2,6 +2,8 @@
 # Times Pixmill beside other tools doing the same work, in one run on one machine, and writes a
 # table of ratios (bench/out/results.md) and the raw numbers (bench/out/results.csv).
 #   bench/run.sh [--runs N] [--only GROUP]
+# With --only, only the groups whose name contains GROUP are measured again and replace their
+# rows in the table.
 # Each case runs N times (median reported, default 5) after one warm-up; peak memory comes from
 # one more run under /usr/bin/time.
 set -euo pipefail
@@ -51,7 +53,13 @@ for extra in bench/cases.d/*.sh; do
 done
 
 results="$out/raw.tsv"
-: > "$results"
+if [ -n "$only" ] && [ -f "$results" ]; then
+  # Only the chosen groups are measured again; the rest of the table keeps its last numbers.
+  awk -F'\t' -v only="$only" 'index($1, only) == 0' "$results" > "$results.kept"
+  mv "$results.kept" "$results"
+else
+  : > "$results"
+fi
 while IFS=$'\t' read -r group tool command; do
   if [ -n "$only" ] && [[ "$group" != *"$only"* ]]; then continue; fi
   tool_bin=$(echo "$command" | sed -E 's/^cd [^ ]+ && //; s/^([A-Z_]+=[^ ]+ )*//' | cut -d' ' -f1)

@@ -62,6 +62,10 @@ struct ImageInfo {
   // A file a reader made for its own use (a decoded attachment, say) that the post-read step
   // removes.
   std::string temporaryFile;
+  // The picture's own size when info, asked for a thumbnail (purpose 1), arranged for the reader
+  // to deliver it reduced (width and depth then give the reduced size); 0 otherwise.
+  uint32_t fullWidth = 0;
+  int32_t fullDepth = 0;
 
   // Empties the record as a driver does before each file, keeping only the host.
   void Clear();

@@ -205,7 +205,17 @@ int EncodeRows(void* p) {
   return kOk;
 }
 
-int DoInfo(ImageInfo& info, const std::string& path) {
+// A thumbnail is at most 96 pixels across; the decoder can hand over the picture at 1/2, 1/4
+// or 1/8 of its size for a fraction of the work. The largest reduction that keeps the longer
+// side at 192 pixels or more leaves the thumbnail's own scaling plenty to choose from.
+unsigned ThumbnailReduction(uint32_t width, uint32_t depth) {
+  const uint32_t longer = std::max(width, depth);
+  unsigned denominator = 1;
+  while (denominator < 8 && longer / (denominator * 2) >= 192) denominator *= 2;
+  return denominator;
+}
+
+int DoInfo(ImageInfo& info, const std::string& path, int purpose) {
   SetText(info.fileName, NamePart(path), kMaxNameLength);
   info.description.clear();
   info.background = 0;
@@ -220,6 +230,20 @@ int DoInfo(ImageInfo& info, const std::string& path) {
   const jpeg_decompress_struct& c = d.cinfo;
   info.width = c.image_width;
   info.depth = static_cast<int32_t>(c.image_height);
+  info.privateWords[0] = 1;
+  info.fullWidth = 0;
+  info.fullDepth = 0;
+  if (purpose == 1) {
+    const unsigned reduction = ThumbnailReduction(c.image_width, c.image_height);
+    if (reduction > 1) {
+      // The decoder's scaled size, rounded up as it rounds.
+      info.fullWidth = info.width;
+      info.fullDepth = info.depth;
+      info.width = (c.image_width + reduction - 1) / reduction;
+      info.depth = static_cast<int32_t>((c.image_height + reduction - 1) / reduction);
+      info.privateWords[0] = reduction;
+    }
+  }
   const bool grey = c.jpeg_color_space == JCS_GRAYSCALE;
   info.bits = CurrentSettings().ReadJpegRgb != 0 && !grey ? 24
                                                           : static_cast<uint32_t>(c.data_precision);
@@ -246,6 +270,12 @@ int DoRead(ImageInfo& info, const std::string& path) {
   HeaderJob header{&d};
   if (int code = RunGuarded(d.errors, CreateAndReadHeader, &header)) return code;
   const Settings& s = CurrentSettings();
+  // Info may have asked for the picture reduced (for a thumbnail): the record says by how much.
+  const uint32_t reduction = info.privateWords[0];
+  if (reduction == 2 || reduction == 4 || reduction == 8) {
+    d.cinfo.scale_num = 1;
+    d.cinfo.scale_denom = reduction;
+  }
   ReadJob job{&d, &info, d.cinfo.jpeg_color_space == JCS_GRAYSCALE, s.ReadJpegRgb == 0,
               s.DitherOnJpegRead != 0};
   return RunGuarded(d.errors, DecodeRows, &job);
@@ -278,9 +308,9 @@ int DoWrite(ImageInfo& info, const std::string& path) {
 
 }  // namespace
 
-int JpegInfo(ImageInfo& info, const std::string& path, int /*purpose*/) {
+int JpegInfo(ImageInfo& info, const std::string& path, int purpose) {
   try {
-    return DoInfo(info, path);
+    return DoInfo(info, path, purpose);
   } catch (const std::bad_alloc&) {
     return kMemoryError;
   }

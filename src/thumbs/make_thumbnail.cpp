@@ -86,8 +86,9 @@ int Make(Host& host, ImageInfo& info, const std::string& path, std::string* writ
   if (int code = PostRead(info)) return code;
 
   info.sourceName = info.fileName;
-  record->sourceWidth = info.width;
-  record->sourceDepth = static_cast<uint32_t>(info.depth);
+  // A reader that delivered the picture reduced still records the picture's own size.
+  record->sourceWidth = info.fullWidth ? info.fullWidth : info.width;
+  record->sourceDepth = static_cast<uint32_t>(info.fullDepth ? info.fullDepth : info.depth);
   record->sourceBits = info.bits;
   record->mode = static_cast<uint32_t>(mode);
   record->sourceName = info.sourceName.substr(0, kSourceNameBytes);

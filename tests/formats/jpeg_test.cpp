@@ -55,6 +55,31 @@ TEST(JpegInfo, SizesBitsAndColourSpaceNames) {
   }
 }
 
+TEST(JpegRead, ForAThumbnailThePictureComesReducedAndTheRecordKeepsItsOwnSize) {
+  ScopedSettings settings;
+  settings->ReadJpegRgb = 1;
+  test::TempDir dir;
+  // 1000 x 700: halving keeps the longer side at 192 or more until 1/4 (250 x 175).
+  ASSERT_EQ(test::WritePicture(test::Pattern(1000, 700, 24), dir / "big.jpg"), kOk);
+  ImageInfo info;
+  ASSERT_EQ(JpegInfo(info, dir / "big.jpg", 0), kOk);
+  EXPECT_EQ(info.width, 1000u);
+  EXPECT_EQ(info.fullWidth, 0u);
+  ASSERT_EQ(JpegInfo(info, dir / "big.jpg", 1), kOk);
+  EXPECT_EQ(info.width, 250u);
+  EXPECT_EQ(info.depth, 175);
+  EXPECT_EQ(info.fullWidth, 1000u);
+  EXPECT_EQ(info.fullDepth, 700);
+  int rows = 0;
+  info.putLine = [&](std::span<uint8_t>, int32_t) { return ++rows, 0; };
+  EXPECT_EQ(JpegRead(info, dir / "big.jpg"), kOk);
+  EXPECT_EQ(rows, 175);
+  // A picture already near thumbnail size is read whole.
+  ASSERT_EQ(JpegInfo(info, Sample("colour.jpg"), 1), kOk);
+  EXPECT_EQ(info.width, 21u);
+  EXPECT_EQ(info.fullWidth, 0u);
+}
+
 TEST(JpegRead, TruncatedDamagedAndMissingFiles) {
   test::TempDir dir;
   const std::string whole = test::ReadFileBytes(Sample("colour.jpg"));
