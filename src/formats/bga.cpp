@@ -12,6 +12,7 @@
 #include "core/pixels.h"
 #include "core/row_format.h"
 #include "formats/bmp.h"
+#include "formats/info_start.h"
 
 namespace pxm {
 namespace {
@@ -124,12 +125,8 @@ bool LocateEntry(InputFile& in, uint32_t index, Entry& entry) {
 }  // namespace
 
 int BgaInfo(ImageInfo& info, const std::string& path, int /*purpose*/) {
-  SetText(info.fileName, NamePart(path), kMaxNameLength);
-  info.description.clear();
-  info.background = 0;
   InputFile in;
-  if (!in.Open(path)) return kOpenError;
-  info.fileSize = static_cast<int32_t>(in.Size());
+  if (int code = OpenForInfo(info, path, in)) return code;
 
   int64_t ignored;
   info.imageCount = WalkEntries(in, UINT32_MAX, ignored);

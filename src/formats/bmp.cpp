@@ -12,6 +12,7 @@
 #include "core/pixels.h"
 #include "core/row_format.h"
 #include "formats/rle_rows.h"
+#include "formats/info_start.h"
 
 namespace pxm {
 namespace {
@@ -120,12 +121,8 @@ int ReadRows(ImageInfo& info, InputFile& in, const Header& h) {
 }  // namespace
 
 int BmpInfo(ImageInfo& info, const std::string& path, int /*purpose*/) {
-  SetText(info.fileName, NamePart(path), kMaxNameLength);
-  info.description.clear();
-  info.background = 0;
   InputFile in;
-  if (!in.Open(path)) return kOpenError;
-  info.fileSize = static_cast<int32_t>(in.Size());
+  if (int code = OpenForInfo(info, path, in)) return code;
   info.palette[0] = Rgb{0, 0, 0};
   info.palette[1] = Rgb{255, 255, 255};
 

@@ -17,6 +17,7 @@
 #include "core/strings.h"
 #include "formats/fits_cards.h"
 #include "formats/report_list.h"
+#include "formats/info_start.h"
 
 namespace pxm {
 namespace {
@@ -142,9 +143,7 @@ bool StartsWithSimple(InputFile& in) {
 }  // namespace
 
 int FitsInfo(ImageInfo& info, const std::string& path, int /*purpose*/) {
-  SetText(info.fileName, NamePart(path), kMaxNameLength);
-  info.description.clear();
-  info.background = 0;
+  StartInfo(info, path);
   InputFile in;
   if (!in.Open(path)) return kOpenError;
   char start[6];

@@ -11,6 +11,7 @@
 #include "formats/comment_source.h"
 #include "formats/gif_blocks.h"
 #include "formats/gif_codec.h"
+#include "formats/info_start.h"
 
 namespace pxm {
 namespace {
@@ -148,9 +149,7 @@ int GifReadComments(ImageInfo& /*info*/, const std::string& path, std::string& t
 }
 
 int GifInfo(ImageInfo& info, const std::string& path, int /*purpose*/) {
-  SetText(info.fileName, NamePart(path), kMaxNameLength);
-  info.description.clear();
-  info.background = 0;
+  StartInfo(info, path);
   info.readComments = GifReadComments;
   GifFile g;
   if (int code = g.Open(path)) return code;

@@ -17,6 +17,7 @@
 #include "formats/bit_planes.h"
 #include "formats/byte_run1.h"
 #include "formats/report_list.h"
+#include "formats/info_start.h"
 
 namespace pxm {
 namespace {
@@ -207,12 +208,8 @@ void ReportBmhd(const uint8_t* b, std::vector<std::string>& lines) {
 }  // namespace
 
 int IffInfo(ImageInfo& info, const std::string& path, int /*purpose*/) {
-  SetText(info.fileName, NamePart(path), kMaxNameLength);
-  info.description.clear();
-  info.background = 0;
   InputFile in;
-  if (!in.Open(path)) return kOpenError;
-  info.fileSize = static_cast<int32_t>(in.Size());
+  if (int code = OpenForInfo(info, path, in)) return code;
   uint8_t formType[4];
   if (int code = ReadForm(in, formType)) return code;
   const bool pbm = Is(formType, "PBM ");

@@ -11,6 +11,7 @@
 #include "core/pixels.h"
 #include "core/row_format.h"
 #include "formats/jpeg_fence.h"
+#include "formats/info_start.h"
 
 namespace pxm {
 namespace {
@@ -216,12 +217,8 @@ unsigned ThumbnailReduction(uint32_t width, uint32_t depth) {
 }
 
 int DoInfo(ImageInfo& info, const std::string& path, int purpose) {
-  SetText(info.fileName, NamePart(path), kMaxNameLength);
-  info.description.clear();
-  info.background = 0;
   InputFile file;
-  if (!file.Open(path)) return kOpenError;
-  info.fileSize = static_cast<int32_t>(file.Size());
+  if (int code = OpenForInfo(info, path, file)) return code;
   Decompressor d;
   d.Attach(file);
   HeaderJob job{&d};

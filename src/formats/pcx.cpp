@@ -12,6 +12,7 @@
 #include "core/row_format.h"
 #include "formats/pcx_rle.h"
 #include "thumbs/fixed_palette.h"
+#include "formats/info_start.h"
 
 namespace pxm {
 namespace {
@@ -262,12 +263,8 @@ const Palette& PcxDefaultPalette() {
 }
 
 int PcxInfo(ImageInfo& info, const std::string& path, int /*purpose*/) {
-  SetText(info.fileName, NamePart(path), kMaxNameLength);
-  info.description.clear();
-  info.background = 0;
   InputFile in;
-  if (!in.Open(path)) return kOpenError;
-  info.fileSize = static_cast<int32_t>(in.Size());
+  if (int code = OpenForInfo(info, path, in)) return code;
   uint8_t h[kHeaderBytes];
   if (!in.ReadExact(h, kHeaderBytes) || h[kManufacturer] != kManufacturerMark)
     return kCorruptedFile;

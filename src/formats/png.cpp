@@ -15,6 +15,7 @@
 #include "formats/comment_source.h"
 #include "formats/png_codec.h"
 #include "thumbs/fixed_palette.h"
+#include "formats/info_start.h"
 
 namespace pxm {
 namespace {
@@ -137,10 +138,8 @@ int PngResultCode(int result) {
 }
 
 int PngInfo(ImageInfo& info, const std::string& path, int /*purpose*/) {
-  SetText(info.fileName, NamePart(path), kMaxNameLength);
+  StartInfo(info, path);
   info.readComments = PngReadComments;
-  info.description.clear();
-  info.background = 0;
   InputFile in;
   if (!in.Open(path)) return kOpenError;
   info.fileSize = static_cast<int32_t>(in.Size());

@@ -11,6 +11,7 @@
 #include "core/names.h"
 #include "core/pixels.h"
 #include "core/row_format.h"
+#include "formats/info_start.h"
 
 namespace pxm {
 namespace {
@@ -151,12 +152,8 @@ int ReadRows(ImageInfo& info, InputFile& in, const Header& h) {
 }  // namespace
 
 int SunInfo(ImageInfo& info, const std::string& path, int /*purpose*/) {
-  SetText(info.fileName, NamePart(path), kMaxNameLength);
-  info.description.clear();
-  info.background = 0;
   InputFile in;
-  if (!in.Open(path)) return kOpenError;
-  info.fileSize = static_cast<int32_t>(in.Size());
+  if (int code = OpenForInfo(info, path, in)) return code;
   uint8_t raw[kHeaderBytes];
   Header h;
   if (!in.ReadExact(raw, sizeof raw) || !ParseHeader(raw, h)) return kCorruptedFile;

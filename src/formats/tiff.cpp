@@ -13,17 +13,14 @@
 #include "formats/tiff_packbits.h"
 #include "formats/tiff_picture.h"
 #include "formats/tiff_rows.h"
+#include "formats/info_start.h"
 
 namespace pxm {
 namespace {
 
 int DoInfo(ImageInfo& info, const std::string& path) {
-  SetText(info.fileName, NamePart(path), kMaxNameLength);
-  info.description.clear();
-  info.background = 0;
   InputFile file;
-  if (!file.Open(path)) return kOpenError;
-  info.fileSize = static_cast<int32_t>(file.Size());
+  if (int code = OpenForInfo(info, path, file)) return code;
   TiffDirectory dir;
   if (int code = ReadTiffDirectory(file, dir)) return code;
   TiffPicture p;

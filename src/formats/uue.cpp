@@ -7,6 +7,7 @@
 #include "core/platform.h"
 #include "formats/format_table.h"
 #include "formats/uue_decode.h"
+#include "formats/info_start.h"
 
 namespace pxm {
 namespace {
@@ -42,9 +43,7 @@ void Discard(ImageInfo& info) {
 }  // namespace
 
 int UueInfo(ImageInfo& info, const std::string& path, int purpose) {
-  SetText(info.fileName, NamePart(path), kMaxNameLength);
-  info.description.clear();
-  info.background = 0;
+  StartInfo(info, path);
   if (int code = DecodedFile(info, path)) return code;
   const std::string decoded = info.temporaryFile;
   const FormatEntry* entry = nullptr;
