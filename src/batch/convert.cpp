@@ -1,9 +1,9 @@
 #include "batch/convert.h"
 
 #include "batch/output_name.h"
+#include "batch/picture_command.h"
 #include "core/error_codes.h"
 #include "core/names.h"
-#include "core/sinks.h"
 #include "core/sources.h"
 #include "core/strings.h"
 #include "thumbs/auto_thumbnail.h"
@@ -13,27 +13,11 @@ namespace {
 
 int ConvertStill(Operation& op, const std::string& source, int destRow,
                  const ConvertOptions& options) {
-  const FormatEntry& destination = op.table[static_cast<size_t>(destRow)];
-  int row;
-  if (int code = OpenSource(op, source, row)) return code;
-  // Convert never reduces colours itself: the user dithers or reduces first.
-  if (destination.maxBits < op.info.bits) return kTooManyColours;
-  if (int code = op.store.Create(op.info.width, op.info.depth, op.info.bits)) return code;
-
-  const uint64_t total = static_cast<uint64_t>(op.info.depth);
-  if (int code = ReadSource(op, row, source, ProgressRowSink(op.store, total))) return code;
-  if (int code = PostRead(op.info)) return code;
-  op.info.sourceName = op.info.fileName;
-
-  std::string output;
-  if (BuildOutputName(op.host, output, source, options.destinationDirectory, destination) !=
-      kNameGoOn)
-    return kCancelled;
-  if (!destination.write) return kUnsupportedFunction;
-  int code = WriteDestination(op, destRow, output, ProgressRowSource(op.store, total));
-  op.store.Free();
-  if (code == kOk) AutoCreateThumbnail(op.host, output);
-  return code;
+  // Convert never reduces colours itself: a picture too deep for the destination is refused and
+  // the user dithers or reduces it first.
+  if (int code = LoadPicture(op, source, op.table[static_cast<size_t>(destRow)])) return code;
+  return SaveResult(op, source, destRow, options.destinationDirectory,
+                    AbortableRowSource(op.store));
 }
 
 int ConvertMotion(Operation& op, const std::string& source, int destRow,
@@ -75,18 +59,19 @@ int ConvertMotion(Operation& op, const std::string& source, int destRow,
 
 int Convert(Host& host, const std::string& source, int destRow, const ConvertOptions& options,
             FormatTableView table) {
-  WaitCursor cursor(host);
-  Operation op(host, table);
-  if (destRow < 0 || destRow >= kFormatCount) return kUnsupportedFormat;
-  try {
-    if (table[static_cast<size_t>(destRow)].caps & kCapsMotion)
+  if (destRow >= 0 && destRow < kFormatCount &&
+      (table[static_cast<size_t>(destRow)].caps & kCapsMotion)) {
+    WaitCursor cursor(host);
+    Operation op(host, table);
+    try {
       return ConvertMotion(op, source, destRow, options);
-    int code = ConvertStill(op, source, destRow, options);
-    PostRead(op.info);  // a reader's own file goes whatever happened after it was made
-    return code;
-  } catch (const std::bad_alloc&) {
-    return kMemoryError;
+    } catch (const std::bad_alloc&) {
+      return kMemoryError;
+    }
   }
+  return RunPictureCommand(host, destRow, table, [&](Operation& op) {
+    return ConvertStill(op, source, destRow, options);
+  });
 }
 
 }  // namespace pxm

@@ -2,14 +2,12 @@
 
 #include <cstdint>
 
-#include "batch/output_name.h"
-#include "batch/operation.h"
+#include "batch/picture_command.h"
 #include "config/settings.h"
 #include "core/error_codes.h"
 #include "core/sinks.h"
 #include "core/sources.h"
 #include "process/dither.h"
-#include "thumbs/auto_thumbnail.h"
 
 namespace pxm {
 namespace {
@@ -19,7 +17,6 @@ int DitherFile(Operation& op, const std::string& source, const DitherOptions& op
   if (int code = OpenSource(op, source, row)) return code;
   if (op.info.bits == 1) return kUnsuitableImage;
   const int destRow = options.destRow < 0 ? row : options.destRow;
-  const FormatEntry& destination = op.table[static_cast<size_t>(destRow)];
 
   const auto mode = static_cast<uint32_t>(CurrentSettings().DitherMode);
   const uint32_t factor = static_cast<uint32_t>(HalftoneSizeFactor(mode));
@@ -48,16 +45,8 @@ int DitherFile(Operation& op, const std::string& source, const DitherOptions& op
   op.info.putLine = QuietRowSink(op.store);
   if (int code = DitherImage(op.info, mode, source)) return code;
 
-  std::string output;
-  if (BuildOutputName(op.host, output, source, options.destinationDirectory, destination) !=
-      kNameGoOn)
-    return kCancelled;
-  if (!destination.write) return kUnsupportedFunction;
-  int code = WriteDestination(op, destRow, output,
-                              ProgressRowSource(op.store, static_cast<uint64_t>(depth)));
-  op.store.Free();
-  if (code == kOk) AutoCreateThumbnail(op.host, output);
-  return code;
+  return SaveResult(op, source, destRow, options.destinationDirectory,
+                    AbortableRowSource(op.store));
 }
 
 }  // namespace

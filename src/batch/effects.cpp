@@ -1,12 +1,10 @@
 #include "batch/effects.h"
 
-#include "batch/output_name.h"
-#include "batch/operation.h"
+#include "batch/picture_command.h"
 #include "core/error_codes.h"
 #include "core/sinks.h"
 #include "core/sources.h"
 #include "process/effects.h"
-#include "thumbs/auto_thumbnail.h"
 
 namespace pxm {
 namespace {
@@ -14,17 +12,17 @@ namespace {
 int EffectsFile(Operation& op, const std::string& source, int destRow, uint32_t effects,
                 const EffectsOptions& options) {
   const FormatEntry& destination = op.table[static_cast<size_t>(destRow)];
-  int row;
-  if (int code = OpenSource(op, source, row)) return code;
-  if (op.info.bits == 1) return kUnsuitableImage;
+  LoadPlan plan;
+  // A picture deeper than the destination is reduced after the effect, not refused.
+  plan.accept = [](const ImageInfo& info, const FormatEntry&) {
+    return info.bits == 1 ? kUnsuitableImage : kOk;
+  };
   // Every effect works on RGB rows; palette pictures keep their depth and palette in the record.
-  if (int code = op.store.Create(op.info.width, op.info.depth, 24)) return code;
-  const uint64_t total = static_cast<uint64_t>(op.info.depth);
-  if (int code = ReadSource(op, row, source,
-                            ExpandToRgbSink(op.store, total, op.info.bits, op.info.palette)))
-    return code;
-  if (int code = PostRead(op.info)) return code;
-  op.info.sourceName = op.info.fileName;
+  plan.storeBits = [](uint32_t) { return 24u; };
+  plan.sink = [](ImageStore& store, const ImageInfo& info) {
+    return ExpandToRgbSink(store, static_cast<uint64_t>(info.depth), info.bits, info.palette);
+  };
+  if (int code = LoadPicture(op, source, destination, plan)) return code;
 
   // The engine polls once per row itself; the row callbacks need not.
   op.info.getLine = PlainRowSource(op.store);
@@ -35,32 +33,17 @@ int EffectsFile(Operation& op, const std::string& source, int destRow, uint32_t 
     if (op.info.bits != 24 || destination.maxBits < 8) return kTooManyColours;
     if (int code = ApplyEffect(op.info, kAutomaticReduction, source)) return code;
   }
-
-  std::string output;
-  if (BuildOutputName(op.host, output, source, options.destinationDirectory, destination) !=
-      kNameGoOn)
-    return kCancelled;
-  if (!destination.write) return kUnsupportedFunction;
-  int code = WriteDestination(op, destRow, output, ProgressRowSource(op.store, total));
-  op.store.Free();
-  if (code == kOk) AutoCreateThumbnail(op.host, output);
-  return code;
+  return SaveResult(op, source, destRow, options.destinationDirectory,
+                    AbortableRowSource(op.store));
 }
 
 }  // namespace
 
 int Effects(Host& host, const std::string& source, int destRow, uint32_t effects,
             const EffectsOptions& options, FormatTableView table) {
-  WaitCursor cursor(host);
-  Operation op(host, table);
-  if (destRow < 0 || destRow >= kFormatCount) return kUnsupportedFormat;
-  try {
-    int code = EffectsFile(op, source, destRow, effects, options);
-    PostRead(op.info);  // a reader's own file goes whatever happened after it was made
-    return code;
-  } catch (const std::bad_alloc&) {
-    return kMemoryError;
-  }
+  return RunPictureCommand(host, destRow, table, [&](Operation& op) {
+    return EffectsFile(op, source, destRow, effects, options);
+  });
 }
 
 }  // namespace pxm

@@ -26,7 +26,11 @@ int LoadPicture(Operation& op, const std::string& source, const FormatEntry& des
                 const LoadPlan& plan) {
   int row;
   if (int code = OpenSource(op, source, row)) return code;
-  if (destination.maxBits < op.info.bits) return kTooManyColours;
+  if (plan.accept) {
+    if (int code = plan.accept(op.info, destination)) return code;
+  } else if (destination.maxBits < op.info.bits) {
+    return kTooManyColours;
+  }
   const uint32_t bits = plan.storeBits ? plan.storeBits(op.info.bits) : op.info.bits;
   if (int code = op.store.Create(op.info.width, op.info.depth, bits, plan.storeOptions))
     return code;

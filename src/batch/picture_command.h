@@ -18,6 +18,9 @@ int RunPictureCommand(Host& host, int destRow, FormatTableView table,
 
 // How a command reads its source into the store.
 struct LoadPlan {
+  // Whether the picture suits the command; empty refuses only a picture deeper than the
+  // destination holds (12).
+  std::function<int(const ImageInfo& info, const FormatEntry& destination)> accept;
   // The bits the store is created for, given the picture's; empty keeps the picture's own.
   std::function<uint32_t(uint32_t bits)> storeBits;
   unsigned storeOptions = 0;
@@ -26,8 +29,8 @@ struct LoadPlan {
 };
 
 // Finds the source's format (8 when none), runs its info handler and the select-image box,
-// refuses a picture deeper than the destination holds (12), creates the store and reads the
-// picture into it. Answers the first failure's code.
+// asks the plan whether the picture suits the command, creates the store and reads the picture
+// into it. Answers the first failure's code.
 int LoadPicture(Operation& op, const std::string& source, const FormatEntry& destination,
                 const LoadPlan& plan = {});
 
