@@ -180,5 +180,43 @@ TEST(Sweep, DamagedFilesOfEveryReadableFormatGiveAPictureOrACode) {
   EXPECT_GT(swept, 0u);
 }
 
+// Every file of the public test suites, whole, cut at a few points and with a few flipped bits:
+// the suites hold the strange files real programs wrote (and some deliberately broken ones) for
+// formats whose other tests build their inputs themselves.
+TEST(Sweep, PublicSuiteFilesGiveAPictureOrACode) {
+  const std::string root = test::TestDataDir();
+  if (root.empty()) GTEST_SKIP() << "the public test suites are not on this machine";
+  Watchdog watchdog(std::chrono::seconds(20));
+  std::mt19937 random(7);
+  size_t cases = 0;
+  size_t swept = 0;
+  for (const std::string& file : FilesUnder(root)) {
+    if (file.find("/reference") != std::string::npos) continue;  // expected renderings
+    int row = FindFormat(file);
+    if (row < 0 || !CanRead(FormatAt(row))) continue;
+    const std::string ext = FormatAt(row).extension;
+    std::string bytes = test::ReadFileBytes(file);
+    ++swept;
+    std::vector<size_t> cuts = {bytes.size()};
+    for (size_t k = 1; k <= 6; ++k) cuts.push_back(bytes.size() * k / 7);
+    for (size_t cut : cuts) {
+      watchdog.Start(file + " cut at " + std::to_string(cut));
+      fuzz::FuzzFormat(reinterpret_cast<const uint8_t*>(bytes.data()), cut, ext.c_str());
+      ++cases;
+    }
+    for (int k = 0; k < 4 && !bytes.empty(); ++k) {
+      std::string flipped = bytes;
+      size_t at = random() % std::min<size_t>(bytes.size(), 512);
+      flipped[at] = static_cast<char>(flipped[at] ^ (1 << (random() % 8)));
+      watchdog.Start(file + " flip copy " + std::to_string(k));
+      fuzz::FuzzFormat(reinterpret_cast<const uint8_t*>(flipped.data()), flipped.size(), ext.c_str());
+      ++cases;
+    }
+    watchdog.Stop();
+  }
+  std::printf("sweep: %zu cases over %zu public suite files\n", cases, swept);
+  EXPECT_GT(swept, 0u);
+}
+
 }  // namespace
 }  // namespace pxm
