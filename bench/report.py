@@ -36,19 +36,23 @@ def main(raw, md_path, csv_path):
     groups = OrderedDict()
     with open(raw) as f:
         for line in f:
-            group, tool, median, peak = line.rstrip("\n").split("\t")
-            groups.setdefault(group, []).append((tool, float(median), int(peak) if peak.isdigit() else 0))
+            fields = line.rstrip("\n").split("\t")
+            group, tool, median, peak = fields[:4]
+            written = int(fields[4]) if len(fields) > 4 and fields[4].isdigit() else 0
+            groups.setdefault(group, []).append(
+                (tool, float(median), int(peak) if peak.isdigit() else 0, written))
 
     rows = []
     for group, tools in groups.items():
         others = [t for t in tools if not t[0].startswith("pixmill") and t[0] != "cp"]
         fastest = min(others, key=lambda t: t[1]) if others else None
         cp = next((t for t in tools if t[0] == "cp"), None)
-        for tool, median, peak in tools:
+        for tool, median, peak, written in tools:
             ours = tool.startswith("pixmill")
             rows.append({
                 "group": group, "tool": tool, "median_s": "%.4f" % median,
                 "peak_mib": "%.1f" % (peak / 1024.0),
+                "output_mb": ("%.1f" % (written / 1e6)) if written else "",
                 "vs_fastest_other": ("%.2f" % (median / fastest[1])) if ours and fastest else "",
                 "fastest_other": fastest[0] if ours and fastest else "",
                 "vs_cp": ("%.2f" % (median / cp[1])) if ours and cp else "",
@@ -61,12 +65,12 @@ def main(raw, md_path, csv_path):
 
     with open(md_path, "w") as f:
         f.write("Measured on: %s\n\n" % machine())
-        f.write("| Workload | Tool | Median (s) | Peak memory (MiB) | Pixmill ÷ fastest other | Pixmill ÷ cp |\n")
-        f.write("|---|---|---:|---:|---:|---:|\n")
+        f.write("| Workload | Tool | Median (s) | Peak memory (MiB) | Output (MB) | Pixmill ÷ fastest other | Pixmill ÷ cp |\n")
+        f.write("|---|---|---:|---:|---:|---:|---:|\n")
         for r in rows:
             vs = ("%s (%s)" % (r["vs_fastest_other"], r["fastest_other"])) if r["vs_fastest_other"] else ""
-            f.write("| %s | %s | %s | %s | %s | %s |\n" % (
-                r["group"], r["tool"], r["median_s"], r["peak_mib"], vs, r["vs_cp"]))
+            f.write("| %s | %s | %s | %s | %s | %s | %s |\n" % (
+                r["group"], r["tool"], r["median_s"], r["peak_mib"], r["output_mb"], vs, r["vs_cp"]))
 
 
 if __name__ == "__main__":
