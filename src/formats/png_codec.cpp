@@ -7,6 +7,7 @@
 #include <cstring>
 #include <vector>
 
+#include "core/block_deflate.h"
 #include "core/bytes.h"
 #include "core/crc32.h"
 
@@ -65,8 +66,7 @@ uint32_t Apply(const uint8_t* row, const uint8_t* up, size_t n, size_t bpp, uint
 
 struct PngDeflate::State {
   OutputFile* file = nullptr;
-  z_stream zs{};
-  bool open = false;
+  std::unique_ptr<BlockDeflate> stream;
   size_t bytesPerRow = 0;
   size_t bytesPerPixel = 0;
   uint32_t crc = 0;
@@ -74,37 +74,19 @@ struct PngDeflate::State {
   std::vector<uint8_t> previous;   // the row above, unfiltered (zeros above the first row)
   std::vector<uint8_t> candidate;  // one filtered row being tried
   std::vector<uint8_t> best;       // filter byte and the chosen filtered row
-  std::vector<uint8_t> output;
+  std::vector<uint8_t> output;     // compressed bytes not yet written
 
-  ~State() {
-    if (open) deflateEnd(&zs);
+  bool Take(std::span<const uint8_t> bytes) {
+    crc = PngUpdateCrc(crc, bytes);
+    written += bytes.size();
+    output.insert(output.end(), bytes.begin(), bytes.end());
+    return output.size() < kOutputBytes || Flush();
   }
 
-  bool Drain() {
-    const size_t n = output.size() - zs.avail_out;
-    if (n > 0) {
-      crc = PngUpdateCrc(crc, {output.data(), n});
-      written += n;
-      if (!file->Write(output.data(), n)) return false;
-    }
-    zs.next_out = output.data();
-    zs.avail_out = static_cast<uInt>(output.size());
+  bool Flush() {
+    if (!output.empty() && !file->Write(output.data(), output.size())) return false;
+    output.clear();
     return true;
-  }
-
-  bool Compress(const uint8_t* data, size_t n, int flush) {
-    zs.next_in = const_cast<Bytef*>(data);
-    zs.avail_in = static_cast<uInt>(n);
-    for (;;) {
-      const int r = deflate(&zs, flush);
-      if (r == Z_STREAM_ERROR) return false;
-      if (zs.avail_out == 0) {
-        if (!Drain()) return false;
-        continue;
-      }
-      if (flush == Z_FINISH ? r == Z_STREAM_END : zs.avail_in == 0) return true;
-      if (r == Z_BUF_ERROR) return false;
-    }
   }
 
   // Chooses the filter of one row: the one whose bytes, taken as signed, add up the least (the
@@ -142,15 +124,13 @@ bool PngBeginDeflate(PngDeflate& deflate, OutputFile& file, int level, size_t by
   s->bytesPerPixel = static_cast<size_t>(bytesPerPixel);
   // Filtered rows compress best with the strategy made for them.
   const int strategy = bytesPerPixel > 0 ? Z_FILTERED : Z_DEFAULT_STRATEGY;
-  if (deflateInit2(&s->zs, std::clamp(level, 1, 9), Z_DEFLATED, 15, 8, strategy) != Z_OK)
-    return false;
-  s->open = true;
+  PngDeflate::State* state = s.get();
+  s->stream = std::make_unique<BlockDeflate>(
+      level, strategy, [state](std::span<const uint8_t> bytes) { return state->Take(bytes); });
   s->previous.assign(bytesPerRow, 0);
   s->candidate.assign(bytesPerRow + 1, 0);
   s->best.assign(bytesPerRow + 1, 0);
-  s->output.resize(kOutputBytes);
-  s->zs.next_out = s->output.data();
-  s->zs.avail_out = static_cast<uInt>(s->output.size());
+  s->output.reserve(kOutputBytes);
   static constexpr uint8_t kType[4] = {'I', 'D', 'A', 'T'};
   s->crc = PngUpdateCrc(0, kType);
   deflate.state_ = std::move(s);
@@ -167,12 +147,12 @@ bool PngDeflateData(PngDeflate& deflate, std::span<const uint8_t> row) {
     s->FilterRow(row.data());
     std::memcpy(s->previous.data(), row.data(), s->bytesPerRow);
   }
-  return s->Compress(s->best.data(), s->bytesPerRow + 1, Z_NO_FLUSH);
+  return s->stream->Add({s->best.data(), s->bytesPerRow + 1});
 }
 
 bool PngEndDeflate(PngDeflate& deflate) {
   PngDeflate::State* s = deflate.state_.get();
-  if (!s || !s->Compress(nullptr, 0, Z_FINISH) || !s->Drain()) return false;
+  if (!s || !s->stream->Finish() || !s->Flush()) return false;
   uint8_t crc[4];
   StoreBe32(crc, s->crc);
   return s->file->Write(crc, 4);
