@@ -13,13 +13,19 @@ namespace {
 
 std::atomic<int> gInterrupts{0};
 
-extern "C" void OnInterrupt(int) {
-  // The first Ctrl-C is the user's click; a second one ends the process the usual way.
-  if (gInterrupts.fetch_add(1) >= 1) {
-    std::signal(SIGINT, SIG_DFL);
-    std::raise(SIGINT);
-  }
+// Ends the process the way `signal` would have, less the half-written files.
+void EndBy(int signal) {
+  platform::RemovePendingTemporaryFiles();
+  std::signal(signal, SIG_DFL);
+  std::raise(signal);
 }
+
+extern "C" void OnInterrupt(int) {
+  // The first Ctrl-C is the user's click; a second one ends the process at once.
+  if (gInterrupts.fetch_add(1) >= 1) EndBy(SIGINT);
+}
+
+extern "C" void OnTermination(int signal) { EndBy(signal); }
 
 }  // namespace
 
@@ -28,11 +34,15 @@ TerminalHost::TerminalHost(Answers answers) : answers_(std::move(answers)) {
   interactive_ = platform::IsTerminal(STDIN_FILENO);
   gInterrupts = 0;
   std::signal(SIGINT, OnInterrupt);
+  std::signal(SIGTERM, OnTermination);
+  std::signal(SIGHUP, OnTermination);
 }
 
 TerminalHost::~TerminalHost() {
   ClearLine();
   std::signal(SIGINT, SIG_DFL);
+  std::signal(SIGTERM, SIG_DFL);
+  std::signal(SIGHUP, SIG_DFL);
 }
 
 bool TerminalHost::Interrupted() const { return gInterrupts.load() > 0; }

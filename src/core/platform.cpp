@@ -5,7 +5,9 @@
 #include <sys/statvfs.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <cerrno>
+#include <climits>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -25,6 +27,30 @@ mode_t CurrentUmask() {
   mode_t mask = umask(0);
   umask(mask);
   return mask;
+}
+
+// The temporary files being written, kept where a signal handler can reach them without
+// allocating: a fixed table of paths, each published by its flag once complete. Only the thread
+// that runs the operation makes and ends them.
+struct PendingSlot {
+  std::atomic<bool> used{false};
+  char path[PATH_MAX];
+};
+PendingSlot gPending[8];
+
+void AddPending(const std::string& path) {
+  if (path.size() >= PATH_MAX) return;
+  for (PendingSlot& slot : gPending) {
+    if (slot.used.load()) continue;
+    std::memcpy(slot.path, path.c_str(), path.size() + 1);
+    slot.used.store(true);
+    return;
+  }
+}
+
+void DropPending(const std::string& path) {
+  for (PendingSlot& slot : gPending)
+    if (slot.used.load() && path == slot.path) slot.used.store(false);
 }
 
 struct TempDirectory {
@@ -134,7 +160,10 @@ int64_t FileSize(const std::string& path) {
   return static_cast<int64_t>(st.st_size);
 }
 
-bool RemoveFile(const std::string& path) { return unlink(path.c_str()) == 0; }
+bool RemoveFile(const std::string& path) {
+  DropPending(path);
+  return unlink(path.c_str()) == 0;
+}
 
 std::optional<FileStamp> StampOf(const std::string& path) {
   struct stat st;
@@ -163,7 +192,14 @@ std::optional<std::string> CreateTemporaryFileIn(const std::string& directory,
   int fd = mkostemp(buf.data(), O_CLOEXEC);
   if (fd < 0) return std::nullopt;
   close(fd);
-  return std::string(buf.data());
+  std::string path(buf.data());
+  AddPending(path);
+  return path;
+}
+
+void RemovePendingTemporaryFiles() {
+  for (PendingSlot& slot : gPending)
+    if (slot.used.exchange(false)) unlink(slot.path);
 }
 
 bool ReplaceFile(const std::string& from, const std::string& to) {
@@ -171,7 +207,9 @@ bool ReplaceFile(const std::string& from, const std::string& to) {
   mode_t mode = (0666 & ~CurrentUmask());
   if (stat(to.c_str(), &st) == 0 && S_ISREG(st.st_mode)) mode = st.st_mode & 07777;
   chmod(from.c_str(), mode);
-  return rename(from.c_str(), to.c_str()) == 0;
+  if (rename(from.c_str(), to.c_str()) != 0) return false;
+  DropPending(from);
+  return true;
 }
 
 bool RenameNoReplace(const std::string& from, const std::string& to) {

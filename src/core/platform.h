@@ -60,9 +60,13 @@ std::optional<FileStamp> StampOf(const std::string& path);
 bool OnReadOnlyFileSystem(const std::string& path);
 
 // A new empty file in `directory` whose name starts with a dot and `hint`, for a writer to fill
-// before it is renamed over its final name. Nothing when it cannot be made.
+// before it is renamed over its final name. Nothing when it cannot be made. The file is pending
+// until ReplaceFile renames it or RemoveFile removes it.
 std::optional<std::string> CreateTemporaryFileIn(const std::string& directory,
                                                  const std::string& hint);
+// Removes every pending temporary file. Safe inside a signal handler: a process ended by a
+// signal leaves no half-written file behind.
+void RemovePendingTemporaryFiles();
 // Renames `from` over `to`; the finished file gets the mode a newly created file would have
 // (or the replaced file's mode). True on success.
 bool ReplaceFile(const std::string& from, const std::string& to);
