@@ -52,7 +52,7 @@ def main(raw, md_path, csv_path):
             rows.append({
                 "group": group, "tool": tool, "median_s": "%.4f" % median,
                 "peak_mib": "%.1f" % (peak / 1024.0),
-                "output_mb": ("%.1f" % (written / 1e6)) if written else "",
+                "output_mb": ("%.3g" % (written / 1e6)) if written else "",
                 "vs_fastest_other": ("%.2f" % (median / fastest[1])) if ours and fastest else "",
                 "fastest_other": fastest[0] if ours and fastest else "",
                 "vs_cp": ("%.2f" % (median / cp[1])) if ours and cp else "",
