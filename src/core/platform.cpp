@@ -120,6 +120,16 @@ uint64_t StoreMemoryLimit() {
     unsigned long long v = std::strtoull(limit.c_str(), &end, 10);
     if (errno == 0 && end != limit.c_str()) return v;
   }
+  // Memory the kernel could hand out without swapping counts the file cache it would drop; free
+  // pages alone are a small part of a machine that has been reading files.
+  if (std::FILE* meminfo = std::fopen("/proc/meminfo", "r")) {
+    char line[128];
+    unsigned long long kib = 0;
+    while (std::fgets(line, sizeof line, meminfo))
+      if (std::sscanf(line, "MemAvailable: %llu kB", &kib) == 1) break;
+    std::fclose(meminfo);
+    if (kib > 0) return kib * 1024 / 2;
+  }
   long pages = sysconf(_SC_AVPHYS_PAGES);
   long pageSize = sysconf(_SC_PAGESIZE);
   if (pages <= 0 || pageSize <= 0) return 256ull << 20;
