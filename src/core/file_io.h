@@ -77,11 +77,13 @@ class OutputFile {
 
  private:
   bool Flush();
+  void StartWriteback();
   int fd_ = -1;
   std::string path_;
   std::vector<uint8_t> buffer_;
   size_t used_ = 0;
   uint64_t pos_ = 0;  // file offset of buffer_[0]
+  uint64_t writebackFrom_ = 0;  // where the disk has not been asked to write yet
   bool failed_ = false;
 };
 

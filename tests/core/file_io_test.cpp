@@ -85,6 +85,10 @@ TEST(OutputFile, KeptOnlyWhenCommitted) {
   ASSERT_TRUE(out.Commit());
   EXPECT_FALSE(out.Write("z", 1));
   EXPECT_EQ(test::ReadFileBytes(dir / "kept"), "HD" + big + "yz");
+  // A file written again holds only the new bytes.
+  ASSERT_TRUE(out.Create(dir / "kept"));
+  ASSERT_TRUE(out.Write("new", 3) && out.Commit());
+  EXPECT_EQ(test::ReadFileBytes(dir / "kept"), "new");
 
   EXPECT_FALSE(OutputFile().Create(dir / "no-such-dir/file"));
 }
