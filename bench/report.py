@@ -32,6 +32,14 @@ def machine():
     return "%s, %s cores, %s, %s" % (cpu, cores, mem, platform.platform())
 
 
+def megabytes(n):
+    """Three figures, without an exponent: 1070, 72.0, 1.97, 0.00948."""
+    if not n:
+        return ""
+    mb = n / 1e6
+    return "%.0f" % mb if mb >= 100 else "%.3g" % mb
+
+
 def main(raw, md_path, csv_path):
     groups = OrderedDict()
     with open(raw) as f:
@@ -52,7 +60,7 @@ def main(raw, md_path, csv_path):
             rows.append({
                 "group": group, "tool": tool, "median_s": "%.4f" % median,
                 "peak_mib": "%.1f" % (peak / 1024.0),
-                "output_mb": ("%.3g" % (written / 1e6)) if written else "",
+                "output_mb": megabytes(written),
                 "vs_fastest_other": ("%.2f" % (median / fastest[1])) if ours and fastest else "",
                 "fastest_other": fastest[0] if ours and fastest else "",
                 "vs_cp": ("%.2f" % (median / cp[1])) if ours and cp else "",
