@@ -73,12 +73,13 @@ while IFS=$'\t' read -r group tool command; do
     continue
   fi
   median=$(python3 -c 'import json,sys; print(json.load(open(sys.argv[1]))["results"][0]["median"])' "$work/h.json")
-  # The memory run also tells what the tool wrote: every file it touched under work/.
+  # The memory run also tells what the tool wrote: every file under work/ changed since (the
+  # change time, because a copy keeps its source's modification time).
   touch "$work/.marker"
   sleep 0.01
   /usr/bin/time -f '%M' -o "$work/peak" bash -c "$command" >/dev/null 2>&1 || true
   peak=$(tail -n 1 "$work/peak")
-  written=$(find "$work" -type f -newer "$work/.marker" ! -name peak ! -name 'h.*' -printf '%s\n' |
+  written=$(find "$work" -type f -cnewer "$work/.marker" ! -name peak ! -name 'h.*' -printf '%s\n' |
             awk '{ s += $1 } END { print s + 0 }')
   printf '%s\t%s\t%s\t%s\t%s\n' "$group" "$tool" "$median" "$peak" "$written" >> "$results"
 done < "$cases"
