@@ -127,8 +127,6 @@ TEST(BmpInfo, RecordAndEveryColourEntryOfWrittenFiles) {
       ImageInfo info;
       ASSERT_EQ(test::ReadPicture(dir / "r.bmp", q, nullptr, &info), kOk);
       EXPECT_EQ(info.description, os2 ? "OS/2 bitmap" : "Windows bitmap");
-      EXPECT_EQ(info.fileName, "r.bmp");
-      EXPECT_EQ(info.fileSize, static_cast<int32_t>(std::filesystem::file_size(dir / "r.bmp")));
       EXPECT_EQ(info.unpackedSize, (p.width + 7) / 8 * p.bits * static_cast<uint32_t>(p.depth));
       for (uint32_t x = 0; x < p.width; ++x) EXPECT_EQ(q.Pixel(x, 1), p.Pixel(x, 1)) << x;
       // One bit: black and white; palette files: their table; 24 bits: a grey ramp.

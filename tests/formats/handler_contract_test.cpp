@@ -31,6 +31,24 @@ TEST(Handlers, MissingFilesAreOpenErrors) {
   }
 }
 
+TEST(Handlers, InfoStartsTheRecordWithTheNamePartBackgroundZeroAndTheFileLength) {
+  test::TempDir dir;
+  for (auto [ext, bits] : {std::pair{"bmp", 8u}, {"bga", 8u}, {"pcx", 8u}, {"gif", 8u},
+                           {"tif", 8u}, {"tga", 8u}, {"jpg", 24u}, {"iff", 8u}, {"ras", 8u},
+                           {"fit", 8u}, {"png", 8u}}) {
+    const std::string name = std::string("Rec.") + ext;
+    ASSERT_EQ(test::WritePicture(test::Pattern(9, 5, bits), dir / name), kOk) << ext;
+    ImageInfo info;
+    info.fileName = "stale";
+    info.background = 9;
+    ASSERT_EQ(Row(ext).info(info, dir / name, 0), kOk) << ext;
+    EXPECT_EQ(info.fileName, name);
+    EXPECT_EQ(info.background, 0u) << ext;
+    EXPECT_EQ(info.fileSize, int32_t(std::filesystem::file_size(dir / name))) << ext;
+    EXPECT_EQ(std::pair(info.width, info.depth), std::pair(9u, 5)) << ext;
+  }
+}
+
 TEST(Handlers, ASinkThatAnswersOneStopsTheReaderAtOnce) {
   // Bitmap files call the stop a read error; the rest say "Function cancelled".
   struct Case {
