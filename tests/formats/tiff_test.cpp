@@ -10,6 +10,7 @@
 #include "core/error_codes.h"
 #include "core/file_io.h"
 #include "formats/tiff_directory.h"
+#include "support/decoded.h"
 #include "support/picture.h"
 #include "support/temp_dir.h"
 
@@ -25,9 +26,7 @@ class TiffBuilder {
  public:
   explicit TiffBuilder(bool bigEndian) : be_(bigEndian) {}
   std::string N(uint32_t v, int bytes) const {
-    std::string s;
-    for (int i = 0; i < bytes; ++i) s += static_cast<char>(v >> (8 * (be_ ? bytes - 1 - i : i)));
-    return s;
+    return be_ ? test::Be(v, bytes) : test::Le(v, bytes);
   }
   TiffBuilder& Add(uint16_t tag, uint16_t type, uint32_t count, std::string value) {
     entries_.push_back({tag, type, count, std::move(value)});
