@@ -53,16 +53,6 @@ TEST_F(ConvertTest, WritesTheSamePictureInTheNewFormatAndAnnouncesIt) {
   EXPECT_EQ(test::ListDirectory(dir.path()), (std::vector<std::string>{"Photo.BMP", "photo.dib"}));
 }
 
-TEST_F(ConvertTest, ConvertingAFileOntoItselfKeepsItSafe) {
-  std::string source = Make("same.bmp", 24);
-  Picture before, after;
-  ASSERT_EQ(test::ReadPicture(source, before), 0);
-  ASSERT_EQ(Convert(host, source, Row("BMP")), 0);
-  ASSERT_EQ(test::ReadPicture(source, after), 0);
-  EXPECT_EQ(before.rows, after.rows);
-  EXPECT_EQ(test::ListDirectory(dir.path()), std::vector<std::string>{"same.bmp"});
-}
-
 TEST_F(ConvertTest, RefusalsAndTheirCodes) {
   std::string deep = Make("deep.bmp", 24);
   std::string eight = Make("eight.bmp", 8);

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <optional>
+
 #include "config/settings.h"
 #include "core/scripted_host.h"
 #include "formats/format_table.h"
@@ -12,52 +14,43 @@ namespace {
 
 const FormatEntry& Row(const char* ext) { return FormatAt(FindFormatByExtension(ext)); }
 
-TEST(OutputName, DefaultsFollowTheSourceWithTheNewExtensionInLowerCase) {
-  ScopedSettings settings;
-  ScriptedHost host;
-  std::string out;
-  EXPECT_EQ(BuildOutputName(host, out, "/pics/photo.PCX", "", Row("GIF")), kNameGoOn);
-  EXPECT_EQ(out, "/pics/photo.gif");
-  // Only the name changes case: directories on this system are case-sensitive.
-  EXPECT_EQ(BuildOutputName(host, out, "/Pics/Holiday/BEACH.bmp", "", Row("PNG")), kNameGoOn);
-  EXPECT_EQ(out, "/Pics/Holiday/beach.png");
-  EXPECT_EQ(BuildOutputName(host, out, "noext", "", Row("BMP")), kNameGoOn);
-  EXPECT_EQ(out, "noext.bmp");
-  EXPECT_TRUE(host.questions.empty());
-}
-
-TEST(OutputName, DestinationDirectoryCutsNamesToSixCharactersWithUnderbars) {
-  ScopedSettings settings;
-  ScriptedHost host;
-  std::string out;
-  EXPECT_EQ(BuildOutputName(host, out, "/a/landscape.pcx", "/out", Row("GIF")), kNameGoOn);
-  EXPECT_EQ(out, "/out/landsc.gif");
-  EXPECT_EQ(BuildOutputName(host, out, "/a/Landscape.pcx", "/out/", Row("GIF")), kNameGoOn);
-  EXPECT_EQ(out, "/out/landsc.gif");
-  settings->FilenameUnderbars = 0;
-  EXPECT_EQ(BuildOutputName(host, out, "/a/Landscape.pcx", "/Out", Row("GIF")), kNameGoOn);
-  EXPECT_EQ(out, "/Out/landscape.gif");
-}
-
-TEST(OutputName, ClipboardRowIsNamedClipboard) {
-  ScopedSettings settings;
-  settings->PromptforDestName = 1;  // no dialog is shown for the clipboard
-  ScriptedHost host;
-  std::string out;
-  EXPECT_EQ(BuildOutputName(host, out, "/a/x.bmp", "/out", Row("CBD")), kNameGoOn);
-  EXPECT_EQ(out, "Clipboard");
-}
-
-TEST(OutputName, SaveDialogChoosesTheNameAndMayCancel) {
-  ScopedSettings settings;
-  settings->PromptforDestName = 1;
-  ScriptedHost host;
-  std::string out;
-  host.saveAnswer = "/chosen/Picked.png";
-  EXPECT_EQ(BuildOutputName(host, out, "/a/x.bmp", "/ignored", Row("GIF")), kNameGoOn);
-  EXPECT_EQ(out, "/chosen/picked.gif");
-  host.saveAnswer.reset();
-  EXPECT_EQ(BuildOutputName(host, out, "/a/x.bmp", "", Row("GIF")), kNameCancelled);
+TEST(OutputName, FromTheSourceTheDestinationDirectoryOrTheSaveDialog) {
+  struct Case {
+    const char *source, *directory, *ext;
+    int underbars, prompt;
+    std::optional<std::string> saveAnswer;
+    int code;
+    const char* out;
+  };
+  const Case cases[] = {
+      // The source's name with the new extension; only the name changes case (directories here
+      // are case-sensitive).
+      {"/pics/photo.PCX", "", "GIF", 1, 0, {}, kNameGoOn, "/pics/photo.gif"},
+      {"/Pics/Holiday/BEACH.bmp", "", "PNG", 1, 0, {}, kNameGoOn, "/Pics/Holiday/beach.png"},
+      {"noext", "", "BMP", 1, 0, {}, kNameGoOn, "noext.bmp"},
+      // A destination directory cuts names to six characters, unless FilenameUnderbars is off.
+      {"/a/landscape.pcx", "/out", "GIF", 1, 0, {}, kNameGoOn, "/out/landsc.gif"},
+      {"/a/Landscape.pcx", "/out/", "GIF", 1, 0, {}, kNameGoOn, "/out/landsc.gif"},
+      {"/a/Landscape.pcx", "/Out", "GIF", 0, 0, {}, kNameGoOn, "/Out/landscape.gif"},
+      // The clipboard is named so, and asks no dialog.
+      {"/a/x.bmp", "/out", "CBD", 1, 1, {}, kNameGoOn, "Clipboard"},
+      // The save dialog's name, in lower case with the row's extension; or its Cancel.
+      {"/a/x.bmp", "/ignored", "GIF", 1, 1, "/chosen/Picked.png", kNameGoOn, "/chosen/picked.gif"},
+      {"/a/x.bmp", "", "GIF", 1, 1, {}, kNameCancelled, nullptr},
+  };
+  for (const Case& c : cases) {
+    ScopedSettings settings;
+    settings->FilenameUnderbars = c.underbars;
+    settings->PromptforDestName = c.prompt;
+    ScriptedHost host;
+    host.saveAnswer = c.saveAnswer;
+    std::string out;
+    EXPECT_EQ(BuildOutputName(host, out, c.source, c.directory, Row(c.ext)), c.code) << c.source;
+    if (c.out) {
+      EXPECT_EQ(out, c.out) << c.source;
+    }
+    EXPECT_TRUE(host.questions.empty());
+  }
 }
 
 TEST(OutputName, OverwriteQuestionOnlyForExistingFiles) {

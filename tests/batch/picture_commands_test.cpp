@@ -95,22 +95,14 @@ TEST_F(PictureCommands, ScaleByPercentAndBySize) {
       EXPECT_EQ(big.Pixel(x, r), screen.Pixel(x / 2, r * 5 / 12)) << x << "," << r;
 }
 
-TEST_F(PictureCommands, ScaleRefusals) {
-  Make("deep.bmp", 24, 20, 10);
+// Refusals of the frame every picture command shares (rows, depths, writers, the save dialog)
+// are checked once, with Convert; here only what each command refuses of its own.
+TEST_F(PictureCommands, ScaleToNoPixelsAtAllIsUnsuitable) {
   Make("flat.bmp", 8, 5, 10);
-  test::WriteFileBytes(dir / "notes.xyz", "text");
-  ScaleSettings half{50, 50, 0, 0};
-  EXPECT_EQ(ScaleFile(host, dir / "notes.xyz", Row("BMP"), half), kUnsupportedFormat);
-  EXPECT_EQ(ScaleFile(host, dir / "flat.bmp", -1, half), kUnsupportedFormat);
-  EXPECT_EQ(ScaleFile(host, dir / "deep.bmp", Row("GIF"), half), kTooManyColours);
-  EXPECT_EQ(ScaleFile(host, dir / "flat.bmp", Row("WMF"), half), kUnsupportedFunction);
   // 16 % of 5 pixels is none at all.
   EXPECT_EQ(ScaleFile(host, dir / "flat.bmp", Row("DIB"), ScaleSettings{16, 100, 0, 0}),
             kUnsuitableImage);
-  settings->PromptforDestName = 1;  // and the save dialog is cancelled
-  EXPECT_EQ(ScaleFile(host, dir / "flat.bmp", Row("DIB"), half), kCancelled);
-  EXPECT_EQ(test::ListDirectory(dir.path()),
-            (std::vector<std::string>{"deep.bmp", "flat.bmp", "notes.xyz"}));
+  EXPECT_EQ(test::ListDirectory(dir.path()), std::vector<std::string>{"flat.bmp"});
 }
 
 TEST_F(PictureCommands, EveryTransformModeAtEveryDepth) {
@@ -153,8 +145,6 @@ TEST_F(PictureCommands, QuarterTurnsNeedTheMemoryStore) {
   ExpectMapped(Read("s.dib"), in, 7, 4, [](uint32_t x, int32_t r) { return std::pair{x, 3 - r}; },
                "spilled flip");
 
-  Make("deep.bmp", 24, 3, 3);
-  EXPECT_EQ(TransformFile(host, dir / "deep.bmp", Row("GIF"), kRotate180), kTooManyColours);
   EXPECT_EQ(TransformFile(host, dir / "s.bmp", Row("DIB"), 7), kUnsupportedFunction);
 }
 
@@ -214,8 +204,6 @@ TEST_F(PictureCommands, CropSavesTheRectangleAndRefusesWhatItCannot) {
   }
   CropRect rect{1, 1, 2, 2};
   EXPECT_EQ(CropFile(host, dir / "c.bmp", Row("DIB"), CropRect{21, 0, 2, 2}), kUnsuitableImage);
-  EXPECT_EQ(CropFile(host, dir / "c.bmp", Row("GIF"), rect), kTooManyColours);
-  EXPECT_EQ(CropFile(host, dir / "c.bmp", Row("WMF"), rect), kUnsupportedFunction);
   ImageInfo info;
   ImageStore store(host);
   EXPECT_EQ(SaveCrop(host, info, store, rect, kFormatCount, dir / "x.dib"), kUnsupportedFormat);

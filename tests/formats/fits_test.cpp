@@ -91,7 +91,7 @@ TEST(FitsRead, EverySampleSizeByItsOwnRule) {
             "2 axis - 32 bits of grey");
 }
 
-TEST(FitsRead, DamageAbortAndTheCardReport) {
+TEST(FitsRead, DamageAndTheCardReport) {
   test::TempDir dir;
   const std::vector<std::string> cards = {"SIMPLE  = T", "BITPIX=8 / bits", "NAXIS = 2",
                                           "NAXIS1 = 3", "HISTORY " + std::string(60, 'h')};
@@ -105,7 +105,6 @@ TEST(FitsRead, DamageAbortAndTheCardReport) {
   // Samples the file cannot hold are refused before a store is made for them.
   EXPECT_EQ(test::DecodeBytes(dir, "f.fit", good.substr(0, good.size() - 1)).infoCode,
             kCorruptedFile);
-  EXPECT_EQ(test::DecodeBytes(dir, "f.fit", good, 1).readCode, kCancelled);
 
   // "KEYWORD = value" a card, cut to the 55 characters of the list box.
   std::vector<std::string> lines;

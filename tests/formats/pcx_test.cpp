@@ -161,17 +161,8 @@ TEST(PcxRead, RefusalsAndTheirCodes) {
     EXPECT_EQ(PcxRead(info, dir / "a.pcx"), code);
   }
   ImageInfo info;
-  EXPECT_EQ(PcxInfo(info, dir / "none.pcx", 0), kOpenError);
-  test::WriteFileBytes(dir / "a.pcx", good);
-  EXPECT_EQ(test::DecodeFile(dir / "a.pcx", 1).readCode, kCancelled);
-
-  info.width = 5;
   info.depth = 4;
   info.bits = 8;
-  info.getLine = [](std::span<uint8_t>, int32_t y) { return y == 2 ? 1 : 0; };
-  EXPECT_EQ(PcxWrite(info, dir / "w.pcx"), kCancelled);
-  EXPECT_FALSE(std::filesystem::exists(dir / "w.pcx"));
-  EXPECT_EQ(PcxWrite(info, dir / "no/dir/w.pcx"), kCreateError);
   info.width = 40000;  // more than the header's signed 16 bits
   EXPECT_EQ(PcxWrite(info, dir / "w.pcx"), kUnsuitableImage);
 }

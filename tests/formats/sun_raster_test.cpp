@@ -90,7 +90,7 @@ TEST(SunRead, LayoutsAndQuirks) {
   EXPECT_EQ(d.readCode, kUnsupportedFormat);
 }
 
-TEST(SunRead, DamageAndAbort) {
+TEST(SunRead, DamagedFiles) {
   test::TempDir dir;
   const std::string good = Header(3, 2, 8, 8, 1) + Raw({1, 2, 3, 0, 4, 5, 6, 0});
   auto info = [&](const std::string& bytes) {
@@ -102,7 +102,6 @@ TEST(SunRead, DamageAndAbort) {
   EXPECT_EQ(info(good.substr(0, 39)), kCorruptedFile);  // rows the file cannot hold
   EXPECT_EQ(test::DecodeBytes(dir, "s.ras", Header(4, 2, 8, 0, 2) + Raw({128, 0, 128, 4})).readCode,
             kReadError);
-  EXPECT_EQ(test::DecodeBytes(dir, "s.ras", good, 1).readCode, kCancelled);
 }
 
 }  // namespace

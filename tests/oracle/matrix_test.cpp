@@ -283,18 +283,6 @@ std::string Reference(const CaseFiles& r, const Item& item, const test::TempDir&
   return "";
 }
 
-// Only black and white, the pixels split as the reference splits them.
-std::string SamePartition(const RgbImage& got, const RgbImage& want) {
-  std::map<uint32_t, Rgb> seen;
-  for (size_t i = 0; i < got.pixels.size() && i < want.pixels.size(); ++i) {
-    const Rgb g = got.pixels[i], w = want.pixels[i];
-    if (!(g == Grey(0) || g == Grey(255))) return "a pixel neither black nor white";
-    const uint32_t key = (uint32_t{w.red} << 16) | (uint32_t{w.green} << 8) | w.blue;
-    if (!(seen.emplace(key, g).first->second == g)) return "the pixels split otherwise";
-  }
-  return got.pixels.size() == want.pixels.size() ? "" : "a different size";
-}
-
 // One reader's verdict over every file of a case: "" when it shows what it should.
 std::string Verdict(const CaseFiles& r, int slot, const test::TempDir& dir,
                     std::set<std::string>& differences) {
@@ -341,7 +329,7 @@ std::string Verdict(const CaseFiles& r, int slot, const test::TempDir& dir,
     // split of the pixels can agree.
     const auto blackOrWhite = [](const Rgb& p) { return p == Grey(0) || p == Grey(255); };
     if (oneBit && !std::all_of(want.pixels.begin(), want.pixels.end(), blackOrWhite)) {
-      if (std::string why = SamePartition(got, want); !why.empty()) return at + why;
+      if (auto split = test::SameSplit(got.pixels, want); !split) return at + split.message();
       continue;
     }
     const int tolerance = c.expect == Expect::kNear || c.expect == Expect::kHalfRowTarga16;

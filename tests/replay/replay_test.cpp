@@ -15,16 +15,7 @@ namespace pxm::fuzz {
 namespace {
 
 namespace fs = std::filesystem;
-
-std::vector<std::string> FilesUnder(const fs::path& root) {
-  std::vector<std::string> files;
-  std::error_code ec;
-  if (!fs::is_directory(root, ec)) return files;
-  for (const auto& e : fs::recursive_directory_iterator(root, ec))
-    if (e.is_regular_file()) files.push_back(e.path().string());
-  std::sort(files.begin(), files.end());
-  return files;
-}
+using test::FilesUnder;
 
 bool HasExtension(const std::string& path, const std::vector<std::string>& extensions) {
   std::string ext = fs::path(path).extension().string();

@@ -102,6 +102,20 @@ testing::AssertionResult SameColours(const Picture& got, const RgbImage& want, i
   return SameColours(Colours(got), got.width, want, tolerance);
 }
 
+testing::AssertionResult SameSplit(const std::vector<Rgb>& got, const RgbImage& want) {
+  if (got.size() != want.pixels.size()) return testing::AssertionFailure() << "a different size";
+  std::map<uint32_t, Rgb> seen;
+  for (size_t i = 0; i < got.size(); ++i) {
+    const Rgb g = got[i], w = want.pixels[i];
+    if (!(g == Rgb{0, 0, 0} || g == Rgb{255, 255, 255}))
+      return testing::AssertionFailure() << "a pixel neither black nor white";
+    const uint32_t key = (uint32_t{w.red} << 16) | (uint32_t{w.green} << 8) | w.blue;
+    if (!(seen.emplace(key, g).first->second == g))
+      return testing::AssertionFailure() << "the pixels split otherwise";
+  }
+  return testing::AssertionSuccess();
+}
+
 testing::AssertionResult ReadsAs(const std::string& path, const RgbImage& want, int tolerance) {
   Picture p;
   if (int code = ReadPicture(path, p)) return testing::AssertionFailure() << "Pixmill: " << code;

@@ -43,6 +43,9 @@ Picture PictureOf(const std::vector<Rgb>& pixels, uint32_t width, uint32_t heigh
 testing::AssertionResult SameColours(const std::vector<Rgb>& got, uint32_t width,
                                      const RgbImage& want, int tolerance = 0);
 testing::AssertionResult SameColours(const Picture& got, const RgbImage& want, int tolerance = 0);
+// A one-bit picture against an oracle that shows the file's own two colours: every pixel black or
+// white, and the pixels split as the oracle's are.
+testing::AssertionResult SameSplit(const std::vector<Rgb>& got, const RgbImage& want);
 // Pixmill reads the file (through its extension's row) as the oracle decoded it.
 testing::AssertionResult ReadsAs(const std::string& path, const RgbImage& want, int tolerance = 0);
 

@@ -49,4 +49,14 @@ std::vector<std::string> ListDirectory(const std::string& directory) {
   return names;
 }
 
+std::vector<std::string> FilesUnder(const std::string& root) {
+  std::vector<std::string> files;
+  std::error_code ec;
+  if (!std::filesystem::is_directory(root, ec)) return files;
+  for (const auto& e : std::filesystem::recursive_directory_iterator(root, ec))
+    if (e.is_regular_file()) files.push_back(e.path().string());
+  std::sort(files.begin(), files.end());
+  return files;
+}
+
 }  // namespace pxm::test

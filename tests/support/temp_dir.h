@@ -24,5 +24,7 @@ std::string ReadFileBytes(const std::string& path);
 void WriteFileBytes(const std::string& path, const std::string& bytes);
 // Names in `directory` (no "." entries), sorted.
 std::vector<std::string> ListDirectory(const std::string& directory);
+// Paths of every regular file below `root` (none when it is not a directory), sorted.
+std::vector<std::string> FilesUnder(const std::string& root);
 
 }  // namespace pxm::test

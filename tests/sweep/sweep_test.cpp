@@ -28,6 +28,7 @@ namespace pxm {
 namespace {
 
 namespace fs = std::filesystem;
+using test::FilesUnder;
 
 struct SweepCounts {
   size_t cutsBelow;  // every length up to this
@@ -86,16 +87,6 @@ class Watchdog {
   std::chrono::steady_clock::time_point started_;
   std::thread thread_;
 };
-
-std::vector<std::string> FilesUnder(const fs::path& root) {
-  std::vector<std::string> files;
-  std::error_code ec;
-  if (!fs::is_directory(root, ec)) return files;
-  for (const auto& e : fs::recursive_directory_iterator(root, ec))
-    if (e.is_regular_file()) files.push_back(e.path().string());
-  std::sort(files.begin(), files.end());
-  return files;
-}
 
 std::string ToLowerExt(std::string s) {
   std::transform(s.begin(), s.end(), s.begin(), [](unsigned char c) { return std::tolower(c); });
