@@ -17,8 +17,6 @@ uint32_t PngUpdateCrc(uint32_t crc, std::span<const uint8_t> bytes) { return Crc
 
 namespace {
 
-constexpr size_t kOutputBytes = 256 * 1024;
-
 enum Filter : uint8_t { kNone = 0, kSub = 1, kUp = 2, kAverage = 3, kPaeth = 4 };
 
 inline uint8_t Paeth(uint8_t a, uint8_t b, uint8_t c) {
@@ -74,19 +72,12 @@ struct PngDeflate::State {
   std::vector<uint8_t> previous;   // the row above, unfiltered (zeros above the first row)
   std::vector<uint8_t> candidate;  // one filtered row being tried
   std::vector<uint8_t> best;       // filter byte and the chosen filtered row
-  std::vector<uint8_t> output;     // compressed bytes not yet written
 
+  // The output file buffers small pieces itself.
   bool Take(std::span<const uint8_t> bytes) {
     crc = PngUpdateCrc(crc, bytes);
     written += bytes.size();
-    output.insert(output.end(), bytes.begin(), bytes.end());
-    return output.size() < kOutputBytes || Flush();
-  }
-
-  bool Flush() {
-    if (!output.empty() && !file->Write(output.data(), output.size())) return false;
-    output.clear();
-    return true;
+    return file->Write(bytes.data(), bytes.size());
   }
 
   // Chooses the filter of one row: the one whose bytes, taken as signed, add up the least (the
@@ -130,7 +121,6 @@ bool PngBeginDeflate(PngDeflate& deflate, OutputFile& file, int level, size_t by
   s->previous.assign(bytesPerRow, 0);
   s->candidate.assign(bytesPerRow + 1, 0);
   s->best.assign(bytesPerRow + 1, 0);
-  s->output.reserve(kOutputBytes);
   static constexpr uint8_t kType[4] = {'I', 'D', 'A', 'T'};
   s->crc = PngUpdateCrc(0, kType);
   deflate.state_ = std::move(s);
@@ -152,7 +142,7 @@ bool PngDeflateData(PngDeflate& deflate, std::span<const uint8_t> row) {
 
 bool PngEndDeflate(PngDeflate& deflate) {
   PngDeflate::State* s = deflate.state_.get();
-  if (!s || !s->stream->Finish() || !s->Flush()) return false;
+  if (!s || !s->stream->Finish()) return false;
   uint8_t crc[4];
   StoreBe32(crc, s->crc);
   return s->file->Write(crc, 4);
