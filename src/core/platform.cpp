@@ -1,6 +1,8 @@
 #include "core/platform.h"
 
 #include <fcntl.h>
+#include <pthread.h>
+#include <signal.h>
 #include <sys/stat.h>
 #include <sys/statvfs.h>
 #include <unistd.h>
@@ -199,11 +201,17 @@ std::optional<std::string> CreateTemporaryFileIn(const std::string& directory,
   std::string templ = dir + "." + hint.substr(0, 64) + ".pxm-XXXXXX";
   std::vector<char> buf(templ.begin(), templ.end());
   buf.push_back('\0');
+  // Signals wait while the file is made and recorded: one arriving between the two would end
+  // the process with the file on disk but not yet in the table.
+  sigset_t all, previous;
+  sigfillset(&all);
+  pthread_sigmask(SIG_BLOCK, &all, &previous);
   int fd = mkostemp(buf.data(), O_CLOEXEC);
+  std::string path = fd < 0 ? std::string() : std::string(buf.data());
+  if (fd >= 0) AddPending(path);
+  pthread_sigmask(SIG_SETMASK, &previous, nullptr);
   if (fd < 0) return std::nullopt;
   close(fd);
-  std::string path(buf.data());
-  AddPending(path);
   return path;
 }
 
