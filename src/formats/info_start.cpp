@@ -18,4 +18,18 @@ int OpenForInfo(ImageInfo& info, const std::string& path, InputFile& in) {
   return kOk;
 }
 
+uint64_t PackedPictureBytes(uint32_t width, uint64_t depth, uint32_t bits) {
+  const uint64_t rowBytes = (static_cast<uint64_t>(width) * bits + 7) / 8;
+  if (rowBytes != 0 && depth > UINT64_MAX / rowBytes) return UINT64_MAX;
+  return rowBytes * depth;
+}
+
+bool FileCouldHold(uint64_t fileBytes, uint64_t headerBytes, uint64_t pictureBytes,
+                   uint64_t bestRatio) {
+  if (fileBytes < headerBytes) return pictureBytes == 0;
+  const uint64_t data = fileBytes - headerBytes;
+  if (bestRatio != 0 && data > UINT64_MAX / bestRatio) return true;
+  return pictureBytes <= data * bestRatio;
+}
+
 }  // namespace pxm
