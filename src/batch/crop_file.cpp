@@ -43,7 +43,7 @@ int SaveCrop(Host& host, const ImageInfo& current, ImageStore& store, CropRect r
       return crop(row, r);
     };
     WaitCursor cursor(host);
-    return WriteThroughTemporary(host, destination, copy, output);
+    return store.Explain(WriteThroughTemporary(host, destination, copy, output));
   } catch (const std::bad_alloc&) {
     return kMemoryError;
   }

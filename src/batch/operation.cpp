@@ -7,6 +7,14 @@
 
 namespace pxm {
 
+unsigned SpillPolicy() {
+  const Settings& settings = CurrentSettings();
+  const int32_t drive = settings.VirtualMemoryDrive;
+  const bool hasDrive = (drive >= 'a' && drive <= 'z') || (drive >= 'A' && drive <= 'Z');
+  return (settings.UseVirtualMemoryAlways ? kStoreSpillAlways : 0u) |
+         (hasDrive ? 0u : kStoreNoSpill);
+}
+
 int ChooseImage(Operation& op, int row, const std::string& /*path*/) {
   const FormatEntry& entry = op.table[static_cast<size_t>(row)];
   if (!(entry.caps & kCapsMultiImage) || op.info.imageCount <= 1) return kOk;
@@ -62,20 +70,13 @@ int WriteDestination(Operation& op, int destRow, const std::string& output, Line
   return WriteThroughTemporary(op.host, entry, op.info, output);
 }
 
-int WriteThroughTemporary(Host& host, const FormatEntry& entry, ImageInfo& info,
-                          const std::string& output) {
-  if (entry.caps & kCapsClipboard) {
-    try {
-      return entry.write(info, output);
-    } catch (const std::bad_alloc&) {
-      return kMemoryError;
-    }
-  }
+int WriteThroughTemporary(Host& host, const std::string& output,
+                          const std::function<int(const std::string& path)>& write) {
   auto temporary = platform::CreateTemporaryFileIn(DirectoryPart(output), NamePart(output));
   if (!temporary) return kCreateError;
   int code;
   try {
-    code = entry.write(info, *temporary);
+    code = write(*temporary);
   } catch (const std::bad_alloc&) {
     code = kMemoryError;
   }
@@ -86,6 +87,19 @@ int WriteThroughTemporary(Host& host, const FormatEntry& entry, ImageInfo& info,
   }
   host.FileWritten(output);
   return kOk;
+}
+
+int WriteThroughTemporary(Host& host, const FormatEntry& entry, ImageInfo& info,
+                          const std::string& output) {
+  if (entry.caps & kCapsClipboard) {
+    try {
+      return entry.write(info, output);
+    } catch (const std::bad_alloc&) {
+      return kMemoryError;
+    }
+  }
+  return WriteThroughTemporary(host, output,
+                               [&](const std::string& path) { return entry.write(info, path); });
 }
 
 }  // namespace pxm

@@ -19,7 +19,7 @@ int RunPictureCommand(Host& host, int destRow, FormatTableView table,
     code = kMemoryError;
   }
   PostRead(op.info);
-  return code;
+  return op.store.Explain(code);
 }
 
 int LoadPicture(Operation& op, const std::string& source, const FormatEntry& destination,
@@ -32,7 +32,8 @@ int LoadPicture(Operation& op, const std::string& source, const FormatEntry& des
     return kTooManyColours;
   }
   const uint32_t bits = plan.storeBits ? plan.storeBits(op.info.bits) : op.info.bits;
-  if (int code = op.store.Create(op.info.width, op.info.depth, bits, plan.storeOptions))
+  if (int code = op.store.Create(op.info.width, op.info.depth, bits,
+                                  plan.storeOptions | SpillPolicy()))
     return code;
   LineSink sink = plan.sink ? plan.sink(op.store, op.info)
                             : ProgressRowSink(op.store, static_cast<uint64_t>(op.info.depth));
