@@ -63,6 +63,7 @@ int ImageStore::Create(uint32_t w, int32_t d, uint32_t bits, unsigned options) {
   uint64_t perLine = StoreBytesPerLine(w, bits);
   if (perLine > SIZE_MAX / 2) return kMemoryError;
   bytesPerLine = static_cast<size_t>(perLine);
+  packedBytes_ = static_cast<size_t>(PackedRowBytes(w, bits));
   // One spare row beyond the picture: some processing reads one row past the last.
   uint64_t rows = static_cast<uint64_t>(d) + 1;
   bool fits = perLine == 0 || rows <= UINT64_MAX / perLine;
@@ -145,7 +146,10 @@ const uint8_t* ImageStore::MemoryRow(int32_t r) const {
 int ImageStore::PutRowQuiet(std::span<const uint8_t> row, int32_t r) {
   uint64_t offset;
   if (!IsHeld() || !SlotOffset(r, offset)) return abortFlag;
-  size_t n = std::min(row.size(), bytesPerLine);
+  // Only the row's own bytes are taken: readers hand over whole working buffers, and what lies
+  // past the picture in them was never written. The slot's rounding is always zero, so writers
+  // that copy whole stored rows write the same bytes every time.
+  size_t n = std::min(row.size(), packedBytes_);
   if (memory_) {
     uint8_t* slot = memory_.get() + offset;
     std::memcpy(slot, row.data(), n);

@@ -34,6 +34,8 @@ class ImageStore {
   void Free();
 
   bool IsHeld() const { return memory_ != nullptr || spillFile_ >= 0; }
+  // Bytes of a row that hold pixels; the rest of `bytesPerLine` is rounding, always zero.
+  size_t PackedBytes() const { return packedBytes_; }
   bool InMemory() const { return memory_ != nullptr; }
   Host& host() const { return *host_; }
 
@@ -87,6 +89,7 @@ class ImageStore {
   void Fail(int code);
 
   Host* host_;
+  size_t packedBytes_ = 0;  // bytes of a row before the rounding to 4
   int failure_ = 0;
   std::unique_ptr<uint8_t, FreeDeleter> memory_;
   int spillFile_ = -1;

@@ -7,6 +7,7 @@
 
 #include "config/settings.h"
 #include "core/error_codes.h"
+#include "core/host.h"
 #include "core/names.h"
 #include "core/pixels.h"
 #include "core/row_format.h"
@@ -275,6 +276,8 @@ int DoRead(ImageInfo& info, const std::string& path) {
   }
   ReadJob job{&d, &info, d.cinfo.jpeg_color_space == JCS_GRAYSCALE, s.ReadJpegRgb == 0,
               s.DitherOnJpegRead != 0};
+  // A photograph quietly kept to 256 colours surprises people converting it: say so, once.
+  if (job.quantize && !job.grey) HostOf(info).Notify(Notice::kJpegReadAs256Colours);
   return RunGuarded(d.errors, DecodeRows, &job);
 }
 

@@ -126,6 +126,16 @@ TEST_F(PxmTest, ConvertNamesEachOutputAndOptionsMayFollowTheCommand) {
   EXPECT_TRUE(std::filesystem::exists(dir / "out/two.bmp"));
   r = Pxm("convert two.bmp --to bmp --output Picked.png");
   EXPECT_EQ(r.Lines(), std::vector<std::string>{"two.bmp -> picked.bmp"});
+
+  // A colour JPEG read as 256 colours by default is said once a run, and never with --quiet.
+  ASSERT_EQ(Pxm("convert two.bmp --to jpg").status, 0);
+  std::filesystem::copy_file(dir / "two.jpg", dir / "three.jpg");
+  r = Pxm("convert two.jpg three.jpg --to gif");
+  EXPECT_EQ(r.status, 0);
+  EXPECT_EQ(r.err, "pxm: note: JPEG pictures are read as 256 colours (ReadJpegRgb is 0); "
+                   "--set ReadJpegRgb=1 reads them in full colour\n");
+  EXPECT_EQ(Pxm("--quiet convert two.jpg --to bmp").err, "");
+  EXPECT_EQ(Pxm("--set ReadJpegRgb=1 convert two.jpg --to bmp").err, "");
 }
 
 TEST_F(PxmTest, ConvertFailuresAndUsageErrors) {
@@ -139,6 +149,31 @@ TEST_F(PxmTest, ConvertFailuresAndUsageErrors) {
   EXPECT_EQ(Pxm("").status, 64);
   EXPECT_EQ(Pxm("convert --to bmp --output x.bmp flat.bmp deep.bmp").status, 64);
   EXPECT_EQ(Pxm("--yes --no convert --to bmp flat.bmp").status, 64);
+}
+
+TEST_F(PxmTest, JobsWriteAndSayExactlyWhatOneJobDoes) {
+  // Every file of the public suites and the samples. Into one folder with names cut to six
+  // characters, many write the same name: the file named last must win however many jobs run.
+  std::string files;
+  for (const std::string& root : {std::string(PXM_TESTDATA_DIR), std::string(PXM_SOURCE_DIR) + "/samples"})
+    for (const std::string& path : test::FilesUnder(root)) files += " " + ShellQuote(path);
+  for (const char* command : {"convert --to bmp --dest-dir out", "info --report", "--json info"}) {
+    std::vector<Result> results;
+    std::vector<std::vector<std::pair<std::string, std::string>>> written;
+    for (const char* jobs : {"--jobs 1", "--jobs 4"}) {
+      std::filesystem::remove_all(dir / "out");
+      std::filesystem::create_directory(dir / "out");
+      results.push_back(Pxm(std::string(jobs) + " " + command + files));
+      written.emplace_back();
+      for (const std::string& name : test::ListDirectory(dir / "out"))
+        written.back().emplace_back(name, test::ReadFileBytes(dir / ("out/" + name)));
+    }
+    EXPECT_EQ(results[0].status, results[1].status) << command;
+    EXPECT_NE(results[0].status, 0) << command;  // the suites hold broken files on purpose
+    EXPECT_TRUE(results[0].out == results[1].out) << command;
+    EXPECT_TRUE(results[0].err == results[1].err) << command;
+    EXPECT_TRUE(written[0] == written[1]) << command;
+  }
 }
 
 TEST_F(PxmTest, OverwriteQuestionIsAnsweredByOptionsOrNo) {

@@ -91,9 +91,11 @@ TEST_F(ImageStoreTest, RowsLiveBottomUpAndReadBackInPlace) {
     ASSERT_EQ(store.InMemory(), !spill);
     for (int32_t r : {2, 0, 3, 1}) store.PutRowQuiet(Row(static_cast<uint8_t>(r + 1)), r);
     for (int32_t r : {3, 0, 2, 1}) {
-      std::vector<uint8_t> back(16, 0xEE);
+      std::vector<uint8_t> back(16, 0xEE), expected = Row(static_cast<uint8_t>(r + 1));
+      // Of a longer buffer only the row's own 15 bytes are kept; the rounding stays zero.
+      expected[15] = 0;
       store.GetRowQuiet(back, r);
-      EXPECT_EQ(back, Row(static_cast<uint8_t>(r + 1))) << spill << r;
+      EXPECT_EQ(back, expected) << spill << r;
     }
   }
 }
