@@ -15,7 +15,7 @@ int ConvertStill(Operation& op, const std::string& source, int destRow,
                  const ConvertOptions& options) {
   // Convert never reduces colours itself: a picture too deep for the destination is refused and
   // the user dithers or reduces it first.
-  if (int code = LoadPicture(op, source, op.table[static_cast<size_t>(destRow)])) return code;
+  if (int code = LoadPicture(op, source, &op.table[static_cast<size_t>(destRow)])) return code;
   return SaveResult(op, source, destRow, options.destinationDirectory,
                     AbortableRowSource(op.store));
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <optional>
 #include <span>
 #include <string>
 #include <vector>
@@ -16,12 +17,14 @@ namespace pxm {
 using FormatTableView = std::span<const FormatEntry, kFormatCount>;
 
 // What one running command owns for the file in hand: its own copy of the settings, taken when
-// it starts, the current record and the one store.
+// it starts and in force on this thread while it runs, the current record and the one store.
 struct Operation {
   explicit Operation(Host& h, FormatTableView t = FormatTable()) : host(h), table(t), store(h) {
     info.host = &h;
   }
-  OperationSettings settings;
+  // Reset when the work ends but the picture stays (a kept picture): the copy is in force on
+  // this thread only for as long as the operation runs.
+  std::optional<OperationSettings> settings{std::in_place};
   Host& host;
   FormatTableView table;
   ImageInfo info;

@@ -22,13 +22,13 @@ int RunPictureCommand(Host& host, int destRow, FormatTableView table,
   return op.store.Explain(code);
 }
 
-int LoadPicture(Operation& op, const std::string& source, const FormatEntry& destination,
+int LoadPicture(Operation& op, const std::string& source, const FormatEntry* destination,
                 const LoadPlan& plan) {
   int row;
   if (int code = OpenSource(op, source, row)) return code;
   if (plan.accept) {
-    if (int code = plan.accept(op.info, destination)) return code;
-  } else if (destination.maxBits < op.info.bits) {
+    if (int code = plan.accept(op.info)) return code;
+  } else if (destination && destination->maxBits < op.info.bits) {
     return kTooManyColours;
   }
   const uint32_t bits = plan.storeBits ? plan.storeBits(op.info.bits) : op.info.bits;
