@@ -5,10 +5,10 @@
 
 #include "core/bytes.h"
 #include "core/error_codes.h"
+#include "core/fixed_palette.h"
 #include "core/host.h"
 #include "core/pixels.h"
 #include "core/row_format.h"
-#include "thumbs/fixed_palette.h"
 
 namespace pxm {
 

@@ -8,11 +8,11 @@
 #include "core/bytes.h"
 #include "core/error_codes.h"
 #include "core/file_io.h"
+#include "core/fixed_palette.h"
 #include "core/names.h"
 #include "core/row_format.h"
-#include "formats/pcx_rle.h"
-#include "thumbs/fixed_palette.h"
 #include "formats/info_start.h"
+#include "formats/pcx_rle.h"
 
 namespace pxm {
 namespace {

@@ -9,13 +9,13 @@
 #include "core/bytes.h"
 #include "core/error_codes.h"
 #include "core/file_io.h"
+#include "core/fixed_palette.h"
 #include "core/names.h"
 #include "core/row_format.h"
 #include "core/strings.h"
 #include "formats/comment_source.h"
-#include "formats/png_codec.h"
-#include "thumbs/fixed_palette.h"
 #include "formats/info_start.h"
+#include "formats/png_codec.h"
 
 namespace pxm {
 namespace {

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "core/error_codes.h"
+#include "core/fixed_palette.h"
 #include "core/row_format.h"
 #include "core/strings.h"
 #include "process/bayer.h"
@@ -15,7 +16,6 @@
 #include "process/palette_choice.h"
 #include "process/quantize.h"
 #include "process/stage.h"
-#include "thumbs/fixed_palette.h"
 
 namespace pxm {
 namespace {

@@ -7,7 +7,7 @@
 #include <sstream>
 
 #include "support/decoded.h"
-#include "support/picture.h"
+#include "support/picture_files.h"
 #include "support/programs.h"
 #include "support/temp_dir.h"
 

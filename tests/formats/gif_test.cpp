@@ -13,7 +13,7 @@
 #include "formats/comment_source.h"
 #include "formats/gif_lzw.h"
 #include "support/decoded.h"
-#include "support/picture.h"
+#include "support/picture_files.h"
 #include "support/temp_dir.h"
 
 namespace pxm {

@@ -8,7 +8,7 @@
 #include "core/error_codes.h"
 #include "formats/format_table.h"
 #include "support/decoded.h"
-#include "support/picture.h"
+#include "support/picture_files.h"
 #include "support/temp_dir.h"
 
 namespace pxm {

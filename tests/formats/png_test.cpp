@@ -12,7 +12,7 @@
 #include "formats/comment_source.h"
 #include "formats/png_codec.h"
 #include "support/decoded.h"
-#include "support/picture.h"
+#include "support/picture_files.h"
 #include "support/temp_dir.h"
 
 namespace pxm {
