@@ -9,10 +9,11 @@
 #include "core/error_codes.h"
 #include "core/file_io.h"
 #include "core/names.h"
+#include "core/palette_bytes.h"
 #include "core/pixels.h"
 #include "core/row_format.h"
-#include "formats/rle_rows.h"
 #include "formats/info_start.h"
+#include "formats/rle_rows.h"
 
 namespace pxm {
 namespace {
@@ -156,8 +157,8 @@ int BmpInfo(ImageInfo& info, const std::string& path, int /*purpose*/) {
     const size_t count = size_t{1} << info.bits;
     uint8_t table[256 * 4];
     if (!in.ReadExact(table, entry * count)) return kCorruptedFile;
-    for (size_t i = 0; i < count; ++i)
-      info.palette[i] = Rgb{table[i * entry + 2], table[i * entry + 1], table[i * entry]};
+    PaletteFromBytes({table, entry * count}, entry == 3 ? kBgrEntries : kBgrPaddedEntries,
+                     info.palette);
   } else if (info.bits == 24) {
     for (int i = 0; i < 256; ++i) {
       auto v = static_cast<uint8_t>(i);
@@ -233,13 +234,14 @@ int BmpWrite(ImageInfo& info, const std::string& path) {
   if (!out.Write(h, headerSize)) return kWriteError;
 
   uint8_t table[256 * 4] = {};
-  for (uint32_t i = 0; i < colours; ++i) {
-    // One-bit files always get black then white, whatever the picture's palette says.
-    Rgb c = fileBits == 1 ? (i == 0 ? Rgb{0, 0, 0} : Rgb{255, 255, 255}) : info.palette[i];
-    table[i * entrySize] = c.blue;
-    table[i * entrySize + 1] = c.green;
-    table[i * entrySize + 2] = c.red;
+  Palette colourTable = info.palette;
+  // One-bit files always get black then white, whatever the picture's palette says.
+  if (fileBits == 1) {
+    colourTable[0] = Rgb{0, 0, 0};
+    colourTable[1] = Rgb{255, 255, 255};
   }
+  PaletteToBytes(colourTable, entrySize == 3 ? kBgrEntries : kBgrPaddedEntries,
+                 {table, colours * entrySize});
   if (!out.Write(table, colours * entrySize)) return kWriteError;
 
   for (int32_t i = 0; i < depth; ++i) {

@@ -8,6 +8,7 @@
 #include "core/error_codes.h"
 #include "core/file_io.h"
 #include "core/names.h"
+#include "core/palette_bytes.h"
 #include "formats/comment_source.h"
 #include "formats/gif_blocks.h"
 #include "formats/gif_codec.h"
@@ -33,8 +34,7 @@ bool TakeTable(InputFile& in, size_t bytes, Palette* palette) {
   if (!palette) return in.Skip(bytes);
   uint8_t table[768];
   if (!in.ReadExact(table, bytes)) return false;
-  for (size_t i = 0; i < bytes / 3; ++i)
-    (*palette)[i] = Rgb{table[3 * i], table[3 * i + 1], table[3 * i + 2]};
+  PaletteFromBytes({table, bytes}, kRgbEntries, *palette);
   return true;
 }
 
@@ -212,11 +212,7 @@ int GifWrite(ImageInfo& info, const std::string& path) {
   if (!out.Write(h, sizeof h)) return kWriteError;
   uint8_t table[768];
   const size_t colours = size_t{1} << bits;
-  for (size_t i = 0; i < colours; ++i) {
-    table[3 * i] = info.palette[i].red;
-    table[3 * i + 1] = info.palette[i].green;
-    table[3 * i + 2] = info.palette[i].blue;
-  }
+  PaletteToBytes(info.palette, kRgbEntries, {table, 3 * colours});
   if (!out.Write(table, 3 * colours)) return kWriteError;
 
   // The descriptor's table size carries bits - 1 although no local table follows; readers of

@@ -10,6 +10,7 @@
 #include "core/file_io.h"
 #include "core/fixed_palette.h"
 #include "core/names.h"
+#include "core/palette_bytes.h"
 #include "core/row_format.h"
 #include "formats/info_start.h"
 #include "formats/pcx_rle.h"
@@ -88,10 +89,7 @@ bool Describable(const Header& h) {
 }
 
 void LoadHeaderPalette(const uint8_t* h, Palette& palette) {
-  for (size_t i = 0; i < 16; ++i) {
-    const uint8_t* p = h + kHeaderPalette + 3 * i;
-    palette[i] = Rgb{p[0], p[1], p[2]};
-  }
+  PaletteFromBytes({h + kHeaderPalette, 16 * 3}, kRgbEntries, palette);
 }
 
 int LoadPalette(InputFile& in, const uint8_t* h, const Header& header, Palette& palette) {
@@ -111,8 +109,7 @@ int LoadPalette(InputFile& in, const uint8_t* h, const Header& header, Palette& 
     }
     uint8_t table[kTrailerBytes];
     if (!in.ReadExact(table, sizeof table)) return kReadError;
-    for (size_t i = 0; i < 256; ++i)
-      palette[i] = Rgb{table[3 * i], table[3 * i + 1], table[3 * i + 2]};
+    PaletteFromBytes(table, kRgbEntries, palette);
   } else if (header.version == 3) {
     std::copy_n(PcxDefaultPalette().begin(), 16, palette.begin());
   } else {
@@ -329,11 +326,7 @@ int PcxWrite(ImageInfo& info, const std::string& path) {
   StoreLe16(h + kYMax, static_cast<uint32_t>(info.depth - 1));
   StoreLe16(h + kHorizontalDpi, 300);
   StoreLe16(h + kVerticalDpi, 300);
-  for (size_t i = 0; i < 16; ++i) {
-    h[kHeaderPalette + 3 * i] = info.palette[i].red;
-    h[kHeaderPalette + 3 * i + 1] = info.palette[i].green;
-    h[kHeaderPalette + 3 * i + 2] = info.palette[i].blue;
-  }
+  PaletteToBytes(info.palette, kRgbEntries, {h + kHeaderPalette, 16 * 3});
   h[kPlanes] = layout.planes;
   StoreLe16(h + kBytesPerLine, layout.bytesPerLine);
   StoreLe16(h + kPaletteInfo, layout.paletteInfo);
@@ -344,11 +337,7 @@ int PcxWrite(ImageInfo& info, const std::string& path) {
   if (info.bits >= 5 && info.bits <= 8) {
     uint8_t trailer[1 + kTrailerBytes];
     trailer[0] = kTrailerMark;
-    for (size_t i = 0; i < 256; ++i) {
-      trailer[1 + 3 * i] = info.palette[i].red;
-      trailer[2 + 3 * i] = info.palette[i].green;
-      trailer[3 + 3 * i] = info.palette[i].blue;
-    }
+    PaletteToBytes(info.palette, kRgbEntries, {trailer + 1, kTrailerBytes});
     if (!out.Write(trailer, sizeof trailer)) return kWriteError;
   }
   return out.Commit() ? kOk : kWriteError;

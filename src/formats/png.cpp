@@ -11,6 +11,7 @@
 #include "core/file_io.h"
 #include "core/fixed_palette.h"
 #include "core/names.h"
+#include "core/palette_bytes.h"
 #include "core/row_format.h"
 #include "core/strings.h"
 #include "formats/comment_source.h"
@@ -190,8 +191,7 @@ int PngInfo(ImageInfo& info, const std::string& path, int /*purpose*/) {
     } else if (Is(type, "PLTE")) {
       uint8_t table[768];
       const size_t n = in.Read(table, std::min<size_t>(length, sizeof table));
-      for (size_t i = 0; i < n / 3; ++i)
-        info.palette[i] = Rgb{table[3 * i], table[3 * i + 1], table[3 * i + 2]};
+      PaletteFromBytes({table, n}, kRgbEntries, info.palette);
     } else if (Is(type, "IEND")) {
       break;
     }
@@ -237,11 +237,7 @@ int PngWrite(ImageInfo& info, const std::string& path) {
     }
     uint8_t table[768];
     const size_t entries = size_t{1} << layout.bitDepth;
-    for (size_t i = 0; i < entries; ++i) {
-      table[3 * i] = info.palette[i].red;
-      table[3 * i + 1] = info.palette[i].green;
-      table[3 * i + 2] = info.palette[i].blue;
-    }
+    PaletteToBytes(info.palette, kRgbEntries, {table, 3 * entries});
     if (!WriteChunk(out, "PLTE", table, 3 * entries)) return kWriteError;
   }
   if (int code = WriteImage(info, out, layout, level)) return code;

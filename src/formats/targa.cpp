@@ -11,6 +11,7 @@
 #include "core/error_codes.h"
 #include "core/file_io.h"
 #include "core/names.h"
+#include "core/palette_bytes.h"
 #include "core/pixels.h"
 #include "core/row_format.h"
 #include "formats/info_start.h"
@@ -348,11 +349,7 @@ int TargaWrite(ImageInfo& info, const std::string& path) {
   if (!out.Write(h, sizeof h)) return kWriteError;
   if (mapped) {
     uint8_t map[256 * 3];
-    for (size_t i = 0; i < 256; ++i) {
-      map[3 * i] = info.palette[i].blue;
-      map[3 * i + 1] = info.palette[i].green;
-      map[3 * i + 2] = info.palette[i].red;
-    }
+    PaletteToBytes(info.palette, kBgrEntries, map);
     if (!out.Write(map, sizeof map)) return kWriteError;
   }
 
