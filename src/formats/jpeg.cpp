@@ -220,6 +220,7 @@ int DoInfo(ImageInfo& info, const std::string& path, int purpose) {
   InputFile file;
   if (int code = OpenForInfo(info, path, file)) return code;
   Decompressor d;
+  d.errors.file = path.c_str();
   d.Attach(file);
   HeaderJob job{&d};
   if (int code = RunGuarded(d.errors, CreateAndReadHeader, &job)) return code;
@@ -263,6 +264,7 @@ int DoRead(ImageInfo& info, const std::string& path) {
   if (!file.Open(path)) return kOpenError;
   info.fileSize = static_cast<int32_t>(file.Size());
   Decompressor d;
+  d.errors.file = path.c_str();
   d.Attach(file);
   HeaderJob header{&d};
   if (int code = RunGuarded(d.errors, CreateAndReadHeader, &header)) return code;
@@ -282,6 +284,7 @@ int DoWrite(ImageInfo& info, const std::string& path) {
   OutputFile file;
   if (!file.Create(path)) return kCreateError;
   Compressor c;
+  c.errors.file = path.c_str();
   c.buffer.resize(kIoBufferSize);
   c.destination.file = &file;
   c.destination.buffer = c.buffer.data();

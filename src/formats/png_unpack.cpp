@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "core/bytes.h"
+#include "core/debug_log.h"
 #include "core/file_io.h"
 #include "core/row_format.h"
 #include "formats/png_codec.h"
@@ -23,6 +24,7 @@ namespace {
 constexpr uint8_t kSignature[8] = {137, 80, 78, 71, 13, 10, 26, 10};
 
 struct Job {
+  const char* path = "";
   InputFile* in = nullptr;
   const LineSink* sink = nullptr;
   png_structp png = nullptr;
@@ -63,7 +65,8 @@ void ReadData(png_structp png, png_bytep data, size_t length) {
   }
 }
 
-void OnError(png_structp png, png_const_charp) {
+void OnError(png_structp png, png_const_charp message) {
+  DebugLog("libpng", static_cast<Job*>(png_get_error_ptr(png))->path, message);
   png_longjmp(png, 1);
 }
 void OnWarning(png_structp, png_const_charp) {}
@@ -177,6 +180,7 @@ int PngUnpackImage(ImageInfo& info, const std::string& path) {
   if (!in.Seek(8)) return kPngCannotRead;
 
   Job job;
+  job.path = path.c_str();
   job.in = &in;
   job.sink = &info.putLine;
   job.png = png_create_read_struct_2(PNG_LIBPNG_VER_STRING, &job, OnError, OnWarning, &job,
