@@ -138,6 +138,10 @@ int BgaInfo(ImageInfo& info, const std::string& path, int /*purpose*/) {
   info.depth = static_cast<int32_t>(entry.height);
   info.bits = entry.bits > 8 ? 24 : entry.bits;
   info.unpackedSize = UnpackedSize(info.width, info.bits, info.depth);
+  // Every row is stored whole, padded to four bytes, from the entry's data offset.
+  if (!FileCouldHold(in.Size(), entry.dataOffset,
+                     RowsBytes(BmpRowBytes(entry.width, entry.bits), entry.height), 1))
+    return kCorruptedFile;
   if (entry.bits == 1) {
     info.palette[0] = Rgb{0, 0, 0};
     info.palette[1] = Rgb{255, 255, 255};

@@ -68,6 +68,24 @@ Header ParseHeader(const uint8_t* h) {
 
 bool HasSignature(const uint8_t* h) { return h[0] == 'B' && h[1] == 'M'; }
 
+// Whether the file could hold the pixel data the header declares. Uncompressed rows are padded
+// to four bytes but the last, which may end the file. In run-length data a code pair makes at
+// most 255 pixels: 255 bytes of 8-bit rows, 128 of 4-bit ones. (The end-of-bitmap and delta codes
+// could leave any number of rows unwritten with a few bytes; a file that says it is that large
+// and holds so little is taken for damage.)
+bool FileCouldHoldData(const Header& h, uint64_t fileSize) {
+  const auto depth = static_cast<uint64_t>(h.depth);
+  const uint64_t packed = PackedPictureBytes(h.width, depth, h.fileBits);
+  if (h.fileBits == 8 && h.compression == kRle8)
+    return FileCouldHold(fileSize, h.dataOffset, packed, 128);
+  if (h.fileBits == 4 && h.compression == kRle4)
+    return FileCouldHold(fileSize, h.dataOffset, packed, 64);
+  const uint64_t lastRow = PackedPictureBytes(h.width, 1, h.fileBits);
+  const uint64_t rows = RowsBytes(BmpRowBytes(h.width, h.fileBits), depth - 1);
+  return FileCouldHold(fileSize, h.dataOffset,
+                       rows > UINT64_MAX - lastRow ? UINT64_MAX : rows + lastRow, 1);
+}
+
 // Row buffers hold a stored row, the codec's working row, a whole file row, and the four bytes
 // per pixel that the 16-bit unpacking addresses, whichever is largest; odd bit counts (2, 3,
 // 32, 64) then cannot reach past the end.
@@ -139,16 +157,9 @@ int BmpInfo(ImageInfo& info, const std::string& path, int /*purpose*/) {
   if (header.width == 0 || header.depth == 0 || header.fileBits == 0) return kCorruptedFile;
   info.unpackedSize = UnpackedSize(info.width, info.bits, info.depth);
 
-  // Uncompressed rows that cannot all be in the file mean a damaged header: refusing here keeps
-  // an absurd size from ever reaching the image store.
-  bool rle = (header.fileBits == 8 && header.compression == kRle8) ||
-             (header.fileBits == 4 && header.compression == kRle4);
-  if (!rle) {
-    uint64_t rowBytes = BmpRowBytes(header.width, header.fileBits);
-    uint64_t lastRow = (static_cast<uint64_t>(header.width) * header.fileBits + 7) / 8;
-    uint64_t needed = header.dataOffset + rowBytes * static_cast<uint64_t>(header.depth - 1) + lastRow;
-    if (needed > in.Size()) return kCorruptedFile;
-  }
+  // Rows that cannot all be in the file mean a damaged header: refusing here keeps an absurd
+  // size from ever reaching the image store.
+  if (!FileCouldHoldData(header, in.Size())) return kCorruptedFile;
 
   // The colour table is taken to follow a 40-byte header whatever the header says.
   if (!in.Seek(header.os2 ? 26 : kReadHeaderBytes)) return kCorruptedFile;

@@ -142,6 +142,10 @@ int GifInfo(ImageInfo& info, const std::string& path, int /*purpose*/) {
   info.depth = static_cast<int32_t>(pick.depth);
   info.bits = pick.bits;
   if (!pick.found) return kCorruptedFile;
+  // An LZW code of w bits stands for fewer than 2^w pixels, so a byte of data makes fewer than
+  // 2731 at the widest codes (4096 / 12 a bit).
+  if (!FileCouldHold(g.in.Size(), g.in.Tell(), PackedPictureBytes(pick.width, pick.depth, 8), 2731))
+    return kCorruptedFile;
   info.flags = pick.flags;
   info.unpackedSize = UnpackedSize(info.width, info.bits, info.depth);
   // One-bit pictures always show black and white, whatever their colour table says.

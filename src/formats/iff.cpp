@@ -263,7 +263,7 @@ int IffInfo(ImageInfo& info, const std::string& path, int /*purpose*/) {
   info.unpackedSize = static_cast<uint32_t>(bm.LineLength() * static_cast<uint64_t>(bm.depth));
   // No planes, or a body the file cannot hold, mean damage; refusing here keeps an absurd size
   // from ever reaching the image store.
-  if (bm.planes == 0 || LeastBodyBytes(bm) > in.Size() - std::min(bodyStart, in.Size()))
+  if (bm.planes == 0 || !FileCouldHold(in.Size(), bodyStart, LeastBodyBytes(bm), 1))
     return kCorruptedFile;
   if (info.bits == 1) {
     info.palette[0] = Rgb{0, 0, 0};

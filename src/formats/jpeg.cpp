@@ -226,6 +226,13 @@ int DoInfo(ImageInfo& info, const std::string& path, int purpose) {
   if (int code = RunGuarded(d.errors, CreateAndReadHeader, &job)) return code;
 
   const jpeg_decompress_struct& c = d.cinfo;
+  // Huffman coding spends at least a bit on every 8 x 8 block of every component, and the blocks
+  // of all components together are at least one for every 128 pixels (half of them where two
+  // components take the full width and the full height between them): a byte covers at most
+  // 1024 pixels. Arithmetic coding has no such floor and is not judged.
+  if (!c.arith_code &&
+      !FileCouldHold(file.Size(), 0, PackedPictureBytes(c.image_width, c.image_height, 8), 1024))
+    return kCorruptedFile;
   info.width = c.image_width;
   info.depth = static_cast<int32_t>(c.image_height);
   info.privateWords[0] = 1;

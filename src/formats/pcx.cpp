@@ -267,6 +267,12 @@ int PcxInfo(ImageInfo& info, const std::string& path, int /*purpose*/) {
     return kCorruptedFile;
   const Header header = ParseHeader(h);
   if (!Describable(header)) return kCorruptedFile;
+  // A run pair codes at most 63 bytes, and the coded lines hold at least the picture's pixels.
+  if (!FileCouldHold(in.Size(), kHeaderBytes,
+                     PackedPictureBytes(static_cast<uint32_t>(header.width),
+                                        static_cast<uint64_t>(header.depth), header.bits),
+                     32))
+    return kCorruptedFile;
   info.width = static_cast<uint32_t>(header.width);
   info.depth = header.depth;
   info.bits = header.bits;

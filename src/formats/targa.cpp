@@ -272,7 +272,7 @@ int TargaInfo(ImageInfo& info, const std::string& path, int /*purpose*/) {
   // here keeps an absurd size from ever reaching the image store.
   if (PixelBytes(h.pixelDepth) == 0) return kCorruptedFile;
   const uint64_t dataStart = kHeaderBytes + uint64_t{h.idLength} + SkippedMapBytes(h);
-  if (dataStart > in.Size() || LeastDataBytes(h) > in.Size() - dataStart) return kCorruptedFile;
+  if (!FileCouldHold(in.Size(), dataStart, LeastDataBytes(h), 1)) return kCorruptedFile;
 
   if (!in.Skip(h.idLength)) return kCorruptedFile;
   if (h.mapType == 0) {
