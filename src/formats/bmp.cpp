@@ -118,8 +118,8 @@ int ReadRows(ImageInfo& info, InputFile& in, const Header& h) {
       if (!in.ReadExact(row.data(), rowBytes)) return kReadError;
     } else if (bits == 16) {
       if (!in.ReadExact(raw.data(), rowBytes)) return kReadError;
-      // Four bytes are taken per output pixel, so the picture shows every other 16-bit pixel;
-      // files have always looked this way here and users' conversions depend on it.
+      // Four bytes are taken per output pixel, so the picture shows every other 16-bit pixel:
+      // difference D4 of the differences table, kept because users' conversions depend on it.
       for (uint32_t x = 0; x < width; ++x) {
         uint32_t word = LoadLe32(raw.data() + 4 * static_cast<size_t>(x));
         row[3 * x] = static_cast<uint8_t>(((word >> 10) & 31) * 8);

@@ -79,8 +79,8 @@ uint8_t LowByte(double v) {
   return static_cast<uint8_t>(static_cast<int32_t>(v));
 }
 
-// Turns one row of samples into a byte a pixel. The sizes have their own rules, kept as this
-// program has always read FITS files: 16-bit samples are taken every four bytes (so the right
+// Turns one row of samples into a byte a pixel. The sizes have their own rules (difference D31
+// of the differences table): 16-bit samples are taken every four bytes (so the right
 // half of a row comes from beyond it), 24-bit samples repeat their first byte, and both 16 and
 // 32 bits are halved.
 class RowConverter {

@@ -240,8 +240,8 @@ int IffInfo(ImageInfo& info, const std::string& path, int /*purpose*/) {
         e.red = map[n - n % 3];
         if (n % 3 == 2) e.green = map[n - 1];
       }
-      // An oversized colour map sends the walk to the absolute offset length - 768, as this
-      // program has always done; a file that sends it round in a circle is damaged.
+      // An oversized colour map sends the walk to the absolute offset length - 768 (difference
+      // D36 of the differences table); a file that sends it round in a circle is damaged.
       if (c.length > kPaletteBytes) {
         if (std::find(cmapSeeks.begin(), cmapSeeks.end(), c.dataStart) != cmapSeeks.end())
           return kCorruptedFile;

@@ -118,8 +118,8 @@ int LoadPalette(InputFile& in, const uint8_t* h, const Header& header, Palette& 
   return kOk;
 }
 
-// Bytes decoded for one row. A 2-bit single-plane file is taken as two planes of one bit: that is
-// how the program has always read it.
+// Bytes decoded for one row. A 2-bit single-plane file is taken as two planes of one bit
+// (difference D8 of the differences table).
 int64_t EncodedLineLength(const Header& h) {
   if (h.bits >= 2 && h.bits <= 4 && !h.FourBitsOnePlane()) return int64_t{h.bytesPerLine} * h.bits;
   if (h.bits == 24) return int64_t{h.bytesPerLine} * 3;

@@ -118,8 +118,8 @@ void PackNibbles(uint8_t* row, uint32_t width) {
 }
 
 // A 32-bit row is squeezed by copying the three bytes at 3i to 4i for i = 1, 2, ...: the
-// direction is the opposite of what the layout asks for, and files have always come out this
-// way here.
+// direction is the opposite of what the layout asks for (difference D28 of the differences
+// table).
 void SpreadThirtyTwo(uint8_t* row, uint32_t width) {
   for (uint32_t i = 1; i < width; ++i) std::memmove(row + 4 * size_t{i}, row + 3 * size_t{i}, 3);
 }

@@ -90,8 +90,8 @@ size_t MapEntryBytes(uint8_t entrySize) {
 }
 
 // Entries the reader skips: the map's length less its first index. Real files store `length`
-// entries, so one with a first index above 0 is read from the wrong offset; files have always
-// been read this way here and are kept so.
+// entries, so one with a first index above 0 is read from the wrong offset (difference D35 of
+// the differences table).
 size_t SkippedMapBytes(const Header& h) {
   if (h.mapType == 0 || h.mapLength <= h.mapFirst) return 0;
   return static_cast<size_t>(h.mapLength - h.mapFirst) * MapEntryBytes(h.mapEntrySize);
@@ -105,8 +105,8 @@ constexpr std::array<uint8_t, 32> kFiveBit = [] {
 }();
 
 // A 15- or 16-bit value takes its first byte as the high byte. The public layout is the other
-// way round (and this program's own writer stores the low byte first), but files have always
-// been read so here.
+// way round (and this program's own writer stores the low byte first): difference D22 of the
+// differences table.
 Rgb FromFifteen(const uint8_t* p) {
   uint32_t v = (static_cast<uint32_t>(p[0]) << 8) | p[1];
   return Rgb{kFiveBit[(v >> 10) & 31], kFiveBit[(v >> 5) & 31], kFiveBit[v & 31]};
@@ -243,7 +243,7 @@ int ReadRows(ImageInfo& info, InputFile& in, const Header& h) {
     uint8_t* into = direct ? row.data() : raw.data();
     if (!reader.Fill(into, values)) return kReadError;
     unpack(raw.data(), row.data(), h.width);
-    // Bytes, not pixels, are reversed: a deeper row comes out scrambled, as it always has.
+    // Bytes, not pixels, are reversed: a deeper row comes out scrambled (difference D23).
     if (rightToLeft) std::reverse(row.begin(), row.begin() + h.width);
     if (info.putLine(row, topFirst ? i : h.depth - 1 - i) != 0) return kCancelled;
   }
@@ -362,8 +362,8 @@ int TargaWrite(ImageInfo& info, const std::string& path) {
       data = file.data();
     } else if (sixteen) {
       // Each 16-bit value is stored as four bytes, but only two bytes a pixel are written: the
-      // file row holds the first half of the pixels, each followed by a zero pixel. Files
-      // written with this setting have always looked so and are kept that way.
+      // file row holds the first half of the pixels, each followed by a zero pixel (difference
+      // D24 of the differences table).
       for (uint32_t x = 0; x < width; ++x) {
         const uint8_t* p = row.data() + 3 * static_cast<size_t>(x);
         uint32_t v = (p[0] / 8u) * 1024u + (p[1] / 8u) * 32u + p[2] / 8u;
