@@ -11,7 +11,7 @@
 #include "core/error_codes.h"
 #include "core/scripted_host.h"
 #include "formats/format_table.h"
-#include "support/picture.h"
+#include "support/picture_files.h"
 #include "support/temp_dir.h"
 
 namespace pxm {

@@ -7,7 +7,7 @@
 #include <sstream>
 
 #include "support/decoded.h"
-#include "support/picture.h"
+#include "support/picture_files.h"
 #include "support/programs.h"
 #include "support/temp_dir.h"
 
@@ -33,12 +33,14 @@ class PxmTest : public ::testing::Test {
  protected:
   TempDir dir;
 
-  // Runs pxm in the test folder with a private configuration folder and stdin not a terminal.
-  Result Pxm(const std::string& args) {
+  // Runs pxm in the test folder with a private configuration folder and stdin not a terminal;
+  // `environment` is put before the command ("NAME=value ...").
+  Result Pxm(const std::string& args, const std::string& environment = "") {
     Result r;
-    std::string command = "cd " + ShellQuote(dir.path()) + " && XDG_CONFIG_HOME=" +
-                          ShellQuote(dir / "config") + " " + ShellQuote(PXM_EXE) + " " + args +
-                          " 2>" + ShellQuote(dir / "stderr.txt") + " </dev/null";
+    std::string command = "cd " + ShellQuote(dir.path()) + " && " + environment +
+                          " XDG_CONFIG_HOME=" + ShellQuote(dir / "config") + " " +
+                          ShellQuote(PXM_EXE) + " " + args + " 2>" +
+                          ShellQuote(dir / "stderr.txt") + " </dev/null";
     r.status = test::RunCapture(command, r.out);
     r.err = test::ReadFileBytes(dir / "stderr.txt");
     std::filesystem::remove(dir / "stderr.txt");
@@ -96,6 +98,20 @@ TEST_F(PxmTest, InfoPrintsTheRecordAndFailuresTheirText) {
   EXPECT_NE(json.out.find("\"palette\": [[0, 0, 0], [255, 255, 255]], \"report\": []"),
             std::string::npos);
   EXPECT_EQ(Pxm("info nothing.xyz").status, 8);
+}
+
+TEST_F(PxmTest, LibraryMessagesGoToTheDebugLogOnlyWhenAskedFor) {
+  // A start-of-frame segment whose length does not match its one component.
+  test::WriteFileBytes(
+      dir / "bad.jpg",
+      std::string("\xFF\xD8\xFF\xC0\x00\x01\x08\x00\x10\x00\x10\x01", 12) + std::string(16, '\0'));
+  Result quiet = Pxm("info bad.jpg");
+  EXPECT_EQ(quiet.status, 6);
+  EXPECT_EQ(quiet.err, "bad.jpg - Memory error\n");
+  Result logged = Pxm("info bad.jpg", "PXM_LOG=1");
+  EXPECT_EQ(logged.status, 6);
+  EXPECT_NE(logged.err.find("pxm: libjpeg: "), std::string::npos) << logged.err;
+  EXPECT_NE(logged.err.find("bad.jpg: Bogus marker length\n"), std::string::npos) << logged.err;
 }
 
 TEST_F(PxmTest, InfoReportFollowsTheRecordAndShowsTheCommentDialogsAnswer) {

@@ -51,7 +51,7 @@ class SinksSources : public ::testing::Test {
 };
 
 TEST_F(SinksSources, SwappedRgbAndGamma) {
-  std::array<uint8_t, 256> g = GammaTable(200);
+  LevelTable g = ViewGammaTable(200);
   ASSERT_NE(g[64], 64);  // otherwise the gamma case proves nothing
   struct Case {
     uint32_t bits;
