@@ -18,6 +18,11 @@
 #include "formats/gif.h"
 #include "formats/pcx.h"
 #include "formats/png.h"
+#include "formats/gem_img.h"
+#include "formats/macpaint.h"
+#include "formats/msp.h"
+#include "formats/pfs_art.h"
+#include "formats/sstv.h"
 
 namespace pxm {
 
@@ -41,8 +46,8 @@ constexpr ListImagesHandler kList5 = RefuseList5;  // a listing handler not buil
 // them, as libraries leave a codec "not configured" in a build without it. The clipboard row's
 // description reads "(CDB)" although its extension is CBD: users know it that way.
 constexpr FormatEntry kTable[kFormatCount] = {
-    {kNoList, PXM_NOT_BUILT, nullptr, 1, "MAC", "(MAC) MacPaint", 1, 1},
-    {kNoList, PXM_NOT_BUILT, nullptr, 24, "IMG", "(IMG) GEM/Ventura", 1, 1},
+    {kNoList, MacInfo, MacRead, MacWrite, nullptr, 1, "MAC", "(MAC) MacPaint", 1, 1},
+    {kNoList, GemInfo, GemRead, GemWrite, nullptr, 24, "IMG", "(IMG) GEM/Ventura", 1, 1},
     {kNoList, PcxInfo, PcxRead, PcxWrite, nullptr, 24, "PCX", "(PCX) PC Paintbrush", 1, 1},
     {GifList, GifInfo, GifRead, GifWrite, nullptr, 8, "GIF", "(GIF) CompuServe", 1, 261},
     {TiffList, TiffInfo, TiffRead, TiffWrite, nullptr, 24, "TIF", "(TIF) TIFF", 1, 1},
@@ -51,16 +56,16 @@ constexpr FormatEntry kTable[kFormatCount] = {
     {kNoList, TargaInfo, TargaRead, TargaWrite, nullptr, 24, "TGA", "(TGA) Targa", 1, 1},
     {kNoList, PXM_NOT_BUILT, nullptr, 8, "CUT", "(CUT) Dr. Halo", 1, 1},
     {kNoList, BmpInfo, BmpRead, BmpWrite, nullptr, 24, "BMP", "(BMP) Windows", 1, 1},
-    {kNoList, PXM_NOT_BUILT, nullptr, 1, "MSP", "(MSP) Microsoft Paint", 1, 1},
+    {kNoList, MspInfo, MspRead, MspWrite, nullptr, 1, "MSP", "(MSP) Microsoft Paint", 1, 1},
     {IffList, IffInfo, IffRead, IffWrite, nullptr, 8, "LBM", "(LBM) Amiga", 1, 1},
     {kNoList, PXM_NOT_BUILT, nullptr, 8, "EXE", "(EXE) Self-displaying image", 1, 1},
     {kNoList, PXM_NOT_BUILT, nullptr, 24, "TXT", "(TXT) Text files", 1, 1},
     {kNoList, PXM_NOT_BUILT, nullptr, 8, "RLE", "(RLE) Windows", 1, 1},
     {kNoList, JpegInfo, JpegRead, JpegWrite, nullptr, 24, "JPG", "(JPG) Jpeg", 1, 1},
-    {kNoList, PXM_NOT_BUILT, nullptr, 1, "ART", "(ART) PFS:Publisher", 1, 1},
+    {kNoList, ArtInfo, ArtRead, ArtWrite, nullptr, 1, "ART", "(ART) PFS:Publisher", 1, 1},
     {IffList, IffInfo, IffRead, IffWrite, nullptr, 24, "IFF", "(IFF) Amiga", 1, 1},
     {kNoList, SunInfo, SunRead, SunWrite, nullptr, 24, "RAS", "(RAS) Sun raster", 1, 1},
-    {kNoList, PXM_NOT_BUILT, nullptr, 24, "HRZ", "(HRZ) SSTV", 1, 1},
+    {kNoList, HrzInfo, HrzRead, HrzWrite, nullptr, 24, "HRZ", "(HRZ) SSTV", 1, 1},
     {kNoList, BmpInfo, BmpRead, BmpWrite, nullptr, 24, "DIB", "(DIB) Windows", 1, 1},
     {kNoList, PXM_NOT_BUILT, nullptr, 8, "ICO", "(ICO) Windows icon", 1, 1},
     {kNoList, RefuseInfo5, RefuseRead5, RefuseWrite5, nullptr, 24, "AVI", "(AVI) Video for Windows",
