@@ -98,6 +98,17 @@ const std::vector<Difference>& Differences() {
        "relaxed decoding strips them and then skips the line as too short; strict decoding keeps "
        "them",
        "trailing spaces are taken for padding", "UueDifferences"},
+      {"D40", "HRZ", "bytes above 63 (ImageMagick writes 64 for 254 and 255)",
+       "full intensity; ImageMagick wraps them round, showing 64 as black",
+       "samples are six bits: a larger byte can only mean the most", "PaintDifferences, sstv_test"},
+      {"D41", "IMG", "8 planes without a palette",
+       "grey from white (0) to black (255), plane 0 the lowest bit; FFmpeg takes plane 0 for the "
+       "highest",
+       "planes hold the value's bits from the lowest, as in colour files", "PaintDifferences"},
+      {"D42", "IMG", "4 planes without a palette (netpbm)",
+       "the standard colours with FFmpeg's levels (174 for half intensity); netpbm shows 170, and "
+       "ignores XIMG palettes",
+       "FFmpeg is the reader that knows XIMG files", "PaintDifferences"},
   };
   return table;
 }
