@@ -140,7 +140,7 @@ int MacWrite(ImageInfo& info, const std::string& path) {
     const auto header =
         BuildMacBinary(name, "PNTG", "MPNT", static_cast<uint32_t>(dataLength),
                        MacTimeFromUnix(static_cast<int64_t>(std::time(nullptr))));
-    if (!out.Write(pad.data(), pad.size()) || !out.Seek(0) ||
+    if ((!pad.empty() && !out.Write(pad.data(), pad.size())) || !out.Seek(0) ||
         !out.Write(header.data(), header.size()))
       return kWriteError;
   }

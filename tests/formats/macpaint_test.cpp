@@ -129,6 +129,9 @@ TEST(MacWrite, MacBinaryHeaderWhenAskedFor) {
   test::Picture q;
   ASSERT_EQ(test::ReadPicture(dir / "A picture name longer than 31.mac", q), kOk);
   EXPECT_EQ(q.Pixel(3, 2), test::Pattern(30, 20, 1).Pixel(3, 2));
+  // 48 rows of four bytes and 672 of two make 2048 bytes of data: no padding at all.
+  ASSERT_EQ(test::WritePicture(test::Picture::Blank(1, 48, 1), dir / "b.mac"), kOk);
+  EXPECT_EQ(test::ReadFileBytes(dir / "b.mac").size(), 128u + 2048u);
 }
 
 }  // namespace
