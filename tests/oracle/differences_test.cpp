@@ -100,7 +100,8 @@ const std::vector<Difference>& Differences() {
        "trailing spaces are taken for padding", "UueDifferences"},
       {"D40", "HRZ", "bytes above 63 (ImageMagick writes 64 for 254 and 255)",
        "full intensity; ImageMagick wraps them round, showing 64 as black",
-       "samples are six bits: a larger byte can only mean the most", "PaintDifferences, sstv_test"},
+       "samples are six bits: a larger byte can only mean the most",
+       "PaintOracle (SSTV), sstv_test"},
       {"D41", "IMG", "8 planes without a palette",
        "grey from white (0) to black (255), plane 0 the lowest bit; FFmpeg takes plane 0 for the "
        "highest",
