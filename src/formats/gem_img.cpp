@@ -20,7 +20,7 @@ namespace {
 // The header: big-endian words, at least eight of them.
 enum HeaderOffset : size_t {
   kVersion = 0,
-  kHeaderWords = 2,   // the header's length in words: where the data starts
+  kHeaderWords = 2,  // the header's length in words: where the data starts
   kPlanes = 4,
   kPatternBytes = 6,  // the length of a pattern item's pattern
   kPixelWidth = 8,    // microns
@@ -86,8 +86,8 @@ int ReadHeader(InputFile& in, Header& h, std::vector<uint8_t>& raw) {
   if (!in.ReadExact(raw.data() + kBaseWords * 2, raw.size() - kBaseWords * 2))
     return kCorruptedFile;
   h.ximg = words >= kXimgWords && std::memcmp(&raw[kXimgMark], "XIMG", 4) == 0;
-  const uint64_t picture = PackedPictureBytes(static_cast<uint32_t>(RowBytesOf(h) * RowsOf(h)),
-                                              h.height, 8);
+  const uint64_t picture =
+      PackedPictureBytes(static_cast<uint32_t>(RowBytesOf(h) * RowsOf(h)), h.height, 8);
   return FileCouldHold(in.Size(), h.dataStart, picture, kBestRatio) ? kOk : kCorruptedFile;
 }
 
@@ -109,8 +109,7 @@ void LoadPalette(const Header& h, const std::vector<uint8_t>& raw, Palette& pale
     palette[1] = Rgb{255, 255, 255};
     return;
   }
-  if (h.ximg && LoadBe16(&raw[kColourModel]) == 0 &&
-      raw.size() >= kXimgPalette + 6 * colours) {
+  if (h.ximg && LoadBe16(&raw[kColourModel]) == 0 && raw.size() >= kXimgPalette + 6 * colours) {
     for (size_t i = 0; i < colours; ++i) {
       const uint8_t* p = &raw[kXimgPalette + 6 * i];
       palette[i] = Rgb{FromThousandths(LoadBe16(p)), FromThousandths(LoadBe16(p + 2)),
@@ -207,10 +206,10 @@ std::vector<uint8_t> BuildHeader(const ImageInfo& info, uint32_t planes) {
 const Palette& GemStandardPalette() {
   static const Palette palette = [] {
     Palette p{};
-    const Rgb colours[16] = {{255, 255, 255}, {255, 0, 0},     {0, 255, 0},   {255, 255, 0},
-                             {0, 0, 255},     {255, 0, 255},   {0, 255, 255}, {174, 174, 174},
-                             {85, 85, 85},    {174, 0, 0},     {0, 174, 0},   {174, 174, 0},
-                             {0, 0, 174},     {174, 0, 174},   {0, 174, 174}, {0, 0, 0}};
+    const Rgb colours[16] = {{255, 255, 255}, {255, 0, 0},   {0, 255, 0},   {255, 255, 0},
+                             {0, 0, 255},     {255, 0, 255}, {0, 255, 255}, {174, 174, 174},
+                             {85, 85, 85},    {174, 0, 0},   {0, 174, 0},   {174, 174, 0},
+                             {0, 0, 174},     {174, 0, 174}, {0, 174, 174}, {0, 0, 0}};
     std::copy(std::begin(colours), std::end(colours), p.begin());
     return p;
   }();
@@ -254,7 +253,8 @@ int GemRead(ImageInfo& info, const std::string& path) {
 int GemWrite(ImageInfo& info, const std::string& path) {
   const uint32_t width = info.width;
   const int32_t depth = info.depth;
-  if (width == 0 || width > kLargestSize || depth <= 0 || depth > static_cast<int32_t>(kLargestSize))
+  if (width == 0 || width > kLargestSize || depth <= 0 ||
+      depth > static_cast<int32_t>(kLargestSize))
     return kUnsuitableImage;
   const uint32_t planes = info.bits == 1   ? 1
                           : info.bits <= 4 ? 4

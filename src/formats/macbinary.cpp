@@ -11,9 +11,9 @@ namespace {
 
 // Offsets in the 128-byte header.
 enum MacBinaryOffset : size_t {
-  kOldVersion = 0,   // always 0
-  kNameLength = 1,   // 1 to 63
-  kName = 2,         // 63 bytes
+  kOldVersion = 0,  // always 0
+  kNameLength = 1,  // 1 to 63
+  kName = 2,        // 63 bytes
   kType = 65,
   kCreator = 69,
   kFinderFlags = 73,

@@ -52,8 +52,7 @@ Layout Locate(InputFile& in) {
 }
 
 bool Fits(const Layout& l) {
-  return FileCouldHold(l.end, l.start + kHeaderBytes, uint64_t{kRowBytes} * kPageDepth,
-                       kBestRatio);
+  return FileCouldHold(l.end, l.start + kHeaderBytes, uint64_t{kRowBytes} * kPageDepth, kBestRatio);
 }
 
 }  // namespace
@@ -77,8 +76,7 @@ int MacRead(ImageInfo& info, const std::string& path) {
   InputFile in;
   if (!in.Open(path)) return kOpenError;
   // Every MacPaint picture is one page; a record for anything else was not made by MacInfo.
-  if (info.width != kPageWidth || info.depth != kPageDepth || info.bits != 1)
-    return kCorruptedFile;
+  if (info.width != kPageWidth || info.depth != kPageDepth || info.bits != 1) return kCorruptedFile;
   const Layout l = Locate(in);
   if (!Fits(l) || !in.Seek(l.start + kHeaderBytes)) return kCorruptedFile;
   // Some painters let a run go on into the next row; the rows are one stream here.
@@ -133,13 +131,11 @@ int MacWrite(ImageInfo& info, const std::string& path) {
 
   if (macBinary) {
     const uint64_t dataLength = out.Tell() - start;
-    const std::vector<uint8_t> pad((kMacBinaryBytes - dataLength % kMacBinaryBytes) %
-                                       kMacBinaryBytes,
-                                   0);
+    const std::vector<uint8_t> pad(
+        (kMacBinaryBytes - dataLength % kMacBinaryBytes) % kMacBinaryBytes, 0);
     const std::string name = NamePart(info.fileName.empty() ? path : info.fileName);
-    const auto header =
-        BuildMacBinary(name, "PNTG", "MPNT", static_cast<uint32_t>(dataLength),
-                       MacTimeFromUnix(static_cast<int64_t>(std::time(nullptr))));
+    const auto header = BuildMacBinary(name, "PNTG", "MPNT", static_cast<uint32_t>(dataLength),
+                                       MacTimeFromUnix(static_cast<int64_t>(std::time(nullptr))));
     if ((!pad.empty() && !out.Write(pad.data(), pad.size())) || !out.Seek(0) ||
         !out.Write(header.data(), header.size()))
       return kWriteError;

@@ -190,9 +190,9 @@ int MspWrite(ImageInfo& info, const std::string& path) {
     return kMemoryError;
   }
   uint8_t h[kHeaderBytes] = {};
-  const uint16_t words[] = {kVersion2Key1, kVersion2Key2, static_cast<uint16_t>(width),
-                            static_cast<uint16_t>(depth), 1, 1, 1, 1,
-                            static_cast<uint16_t>(width), static_cast<uint16_t>(depth), 0, 0};
+  const auto w16 = static_cast<uint16_t>(width), d16 = static_cast<uint16_t>(depth);
+  // Aspect ratios of one, the printer's size the picture's, no aspect correction.
+  const uint16_t words[] = {kVersion2Key1, kVersion2Key2, w16, d16, 1, 1, 1, 1, w16, d16, 0, 0};
   uint16_t sum = 0;
   for (size_t i = 0; i < std::size(words); ++i) {
     StoreLe16(h + 2 * i, words[i]);

@@ -103,12 +103,11 @@ int ArtRead(ImageInfo& info, const std::string& path) {
     if (!in.Seek(h.dataStart)) return kReadError;
   }
   try {
-    std::vector<uint8_t> row(
-        static_cast<size_t>(std::max(WorkingRowSize(h.width, 1), rowBytes)));
+    std::vector<uint8_t> row(static_cast<size_t>(std::max(WorkingRowSize(h.width, 1), rowBytes)));
     PackBitsRows rows(in, dataBytes, PackBits128::kNoOp);
     for (uint32_t y = 0; y < h.height; ++y) {
-      const bool ok = h.packed ? rows.Unpack(row.data(), rowBytes)
-                               : in.ReadExact(row.data(), rowBytes);
+      const bool ok =
+          h.packed ? rows.Unpack(row.data(), rowBytes) : in.ReadExact(row.data(), rowBytes);
       if (!ok) return kReadError;
       if (info.putLine(row, static_cast<int32_t>(y)) != 0) return kCancelled;
     }

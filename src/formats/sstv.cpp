@@ -75,8 +75,8 @@ int HrzWrite(ImageInfo& info, const std::string& path) {
     for (uint32_t x = 0; x < kWidth; ++x) {
       const uint32_t v = PixelAt(row.data(), x, storage);
       const Rgb c = storage == 24 ? Rgb{static_cast<uint8_t>(v >> 16), static_cast<uint8_t>(v >> 8),
-                                  static_cast<uint8_t>(v)}
-                            : info.palette[v];
+                                        static_cast<uint8_t>(v)}
+                                  : info.palette[v];
       file[3 * x] = Reduce(c.red);
       file[3 * x + 1] = Reduce(c.green);
       file[3 * x + 2] = Reduce(c.blue);

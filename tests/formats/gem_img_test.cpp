@@ -81,9 +81,9 @@ TEST(GemRead, DamagedFiles) {
   EXPECT_EQ(codes(Header(16, 16, 1) + rows).first, kUnsupportedFormat);
   for (uint32_t planes : {0u, 9u, 25u})
     EXPECT_EQ(codes(Header(planes, 16, 1) + rows).first, kCorruptedFile) << planes;
-  EXPECT_EQ(codes(Header(1, 16, 1, 9) + rows).first, kCorruptedFile);      // pattern too long
-  EXPECT_EQ(codes(Header(1, 16, 1, 2, 7) + rows).first, kCorruptedFile);   // header too short
-  EXPECT_EQ(codes(Header(1, 16, 1, 2, 200) + rows).first, kCorruptedFile); // header past the end
+  EXPECT_EQ(codes(Header(1, 16, 1, 9) + rows).first, kCorruptedFile);       // pattern too long
+  EXPECT_EQ(codes(Header(1, 16, 1, 2, 7) + rows).first, kCorruptedFile);    // header too short
+  EXPECT_EQ(codes(Header(1, 16, 1, 2, 200) + rows).first, kCorruptedFile);  // header past the end
   EXPECT_EQ(codes(Header(1, 0, 1) + rows).first, kCorruptedFile);
   // The size rule: 65535 x 65535 at 24 planes in about 200 bytes.
   EXPECT_EQ(codes(Header(24, 65535, 65535, 3) + std::string(184, '\0')).first, kCorruptedFile);
@@ -106,7 +106,8 @@ TEST(GemWrite, PlanesPalettesAndRoundTrips) {
   const std::string f = test::ReadFileBytes(dir / "f.img");
   EXPECT_EQ(f.substr(0, 22), Header(4, 5, 2, 1, 59).substr(0, 16) + "XIMG" + Be(0, 2));
   // Pictures of 2 to 4 bits come back as 4 planes, of 5 to 8 as 8.
-  for (auto [bits, planes] : {std::pair{1u, 1u}, {3u, 4u}, {4u, 4u}, {6u, 8u}, {8u, 8u}, {24u, 24u}})
+  for (auto [bits, planes] :
+       {std::pair{1u, 1u}, {3u, 4u}, {4u, 4u}, {6u, 8u}, {8u, 8u}, {24u, 24u}})
     for (auto [w, h] : {std::pair{1u, 1}, {9u, 4}, {33u, 300}}) {
       test::Picture q = test::Pattern(w, h, bits);
       for (int32_t y = 5; y < h; y += 7) q.rows[size_t(y)] = q.rows[size_t(y - 1)];

@@ -19,7 +19,7 @@ using Bytes = std::vector<uint8_t>;
 // the last rows is split across a row end, as some painters wrote it.
 std::string Page() {
   std::string data(512, '\0');
-  data[3] = 2;  // version 2
+  data[3] = 2;                                                 // version 2
   data += Raw({2, 0x80, 0x01, 0xFF}) + Raw({256 - 68, 0x00});  // 0x80, 0x01, 0xFF, 69 zeros
   for (int y = 1; y < 718; ++y) data += Raw({256 - 71, y & 1 ? 0xAA : 0x00});
   return data + Raw({256 - 127, 0xFF, 256 - 15, 0xFF});  // 144 bytes: rows 718 and 719

@@ -47,9 +47,9 @@ TEST(ArtRead, DamagedFiles) {
     const test::Decoded d = test::DecodeBytes(dir, "p.art", bytes);
     return std::pair(d.infoCode, d.readCode);
   };
-  EXPECT_EQ(codes(Edges(5, 5, 0, 2) + "abcd").first, kCorruptedFile);   // no width
-  EXPECT_EQ(codes(Edges(0, 9, 4, 1) + "abcd").first, kCorruptedFile);   // bottom above top
-  EXPECT_EQ(codes(Edges(0, 9, 0, 2) + "abc").first, kCorruptedFile);    // rows cut short
+  EXPECT_EQ(codes(Edges(5, 5, 0, 2) + "abcd").first, kCorruptedFile);  // no width
+  EXPECT_EQ(codes(Edges(0, 9, 4, 1) + "abcd").first, kCorruptedFile);  // bottom above top
+  EXPECT_EQ(codes(Edges(0, 9, 0, 2) + "abc").first, kCorruptedFile);   // rows cut short
   EXPECT_EQ(codes(Edges(0, 9, 0, 2).substr(0, 7)).first, kCorruptedFile);
   // The size rule: 65535 x 65535 in about 200 bytes, either kind.
   EXPECT_EQ(codes(Edges(0, 65535, 0, 65535) + std::string(192, '\0')).first, kCorruptedFile);
@@ -66,8 +66,7 @@ TEST(ArtWrite, EdgesAndEvenRows) {
   p.SetPixel(0, 0, 1);
   p.SetPixel(8, 1, 1);
   ASSERT_EQ(test::WritePicture(p, dir / "w.art"), kOk);
-  EXPECT_EQ(test::ReadFileBytes(dir / "w.art"),
-            Edges(0, 9, 0, 2) + Raw({0x80, 0x00, 0x00, 0x80}));
+  EXPECT_EQ(test::ReadFileBytes(dir / "w.art"), Edges(0, 9, 0, 2) + Raw({0x80, 0x00, 0x00, 0x80}));
   for (auto [w, h] : {std::pair{1u, 1}, {17u, 3}, {64u, 5}})
     EXPECT_TRUE(test::RoundTrips(test::Pattern(w, h, 1), dir / "r.art", 1)) << w;
   EXPECT_EQ(test::WritePicture(test::Pattern(8, 8, 8), dir / "x.art"), kUnsuitableImage);

@@ -40,7 +40,8 @@ TEST(HrzWrite, NearestLevelsAtTheOneSize) {
   EXPECT_EQ(f.substr(0, 6), Raw({63, 32, 0, 1, 1, 63}));
   // Palette pictures are written through their palette; six-bit levels come back as they were.
   test::Picture p = test::Pattern(256, 240, 8);
-  for (Rgb& c : p.palette) c = Rgb{uint8_t(c.red & 0xFC), uint8_t(c.green & 0xFC), uint8_t(c.blue & 0xFC)};
+  for (Rgb& c : p.palette)
+    c = Rgb{uint8_t(c.red & 0xFC), uint8_t(c.green & 0xFC), uint8_t(c.blue & 0xFC)};
   ASSERT_EQ(test::WritePicture(p, dir / "p.hrz"), kOk);
   test::Picture q;
   ASSERT_EQ(test::ReadPicture(dir / "p.hrz", q), kOk);
