@@ -35,13 +35,12 @@ constexpr size_t kBaseWords = 8;
 constexpr size_t kXimgWords = 11;
 constexpr uint32_t kTrueColourPlanes = 24;
 constexpr uint32_t kLongestPattern = 8;
-// What this writer puts in the header: 300 dots an inch, and patterns of one byte in plane files
-// and of one pixel in true-colour files.
+// Pixels of 85 microns: 300 dots an inch, what the header says of the files written here.
 constexpr uint32_t kWrittenMicrons = 85;
 constexpr uint32_t kLargestSize = 0x7FFF;  // the header's words are signed
 constexpr uint32_t kMostCopies = 255;
-// At best one byte of the file makes 255 × 255 bytes of picture: a pattern item of eight bytes
-// repeated 255 times, on a scanline shown 255 times, stays below that.
+// No byte of a file makes more than 255 × 255 bytes of picture: the best coding, a pattern item
+// of eight bytes repeated 255 times on a scanline shown 255 times, makes about 37,000 a byte.
 constexpr uint64_t kBestRatio = 255 * 255;
 
 struct Header {
@@ -184,6 +183,7 @@ std::vector<uint8_t> BuildHeader(const ImageInfo& info, uint32_t planes) {
   StoreBe16(&h[kVersion], 1);
   StoreBe16(&h[kHeaderWords], static_cast<uint32_t>(h.size() / 2));
   StoreBe16(&h[kPlanes], planes);
+  // Patterns of one byte in plane files, of one pixel in true-colour files.
   StoreBe16(&h[kPatternBytes], planes == kTrueColourPlanes ? 3 : 1);
   StoreBe16(&h[kPixelWidth], kWrittenMicrons);
   StoreBe16(&h[kPixelHeight], kWrittenMicrons);
