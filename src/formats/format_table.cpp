@@ -10,11 +10,16 @@
 #include "formats/bmp.h"
 #include "formats/clipboard.h"
 #include "formats/fits.h"
+#include "formats/gem_img.h"
 #include "formats/gif.h"
 #include "formats/iff.h"
 #include "formats/jpeg.h"
+#include "formats/macpaint.h"
+#include "formats/msp.h"
 #include "formats/pcx.h"
+#include "formats/pfs_art.h"
 #include "formats/png.h"
+#include "formats/sstv.h"
 #include "formats/sun_raster.h"
 #include "formats/targa.h"
 #include "formats/tiff.h"
@@ -42,8 +47,8 @@ constexpr ListImagesHandler kList5 = RefuseList5;  // a listing handler not buil
 // them, as libraries leave a codec "not configured" in a build without it. The clipboard row's
 // description reads "(CDB)" although its extension is CBD: users know it that way.
 constexpr FormatEntry kTable[kFormatCount] = {
-    {kNoList, PXM_NOT_BUILT, nullptr, 1, "MAC", "(MAC) MacPaint", 1, kCapsFile},
-    {kNoList, PXM_NOT_BUILT, nullptr, 24, "IMG", "(IMG) GEM/Ventura", 1, kCapsFile},
+    {kNoList, MacInfo, MacRead, MacWrite, nullptr, 1, "MAC", "(MAC) MacPaint", 1, kCapsFile},
+    {kNoList, GemInfo, GemRead, GemWrite, nullptr, 24, "IMG", "(IMG) GEM/Ventura", 1, kCapsFile},
     {kNoList, PcxInfo, PcxRead, PcxWrite, nullptr, 24, "PCX", "(PCX) PC Paintbrush", 1, kCapsFile},
     {GifList, GifInfo, GifRead, GifWrite, nullptr, 8, "GIF", "(GIF) CompuServe", 1,
      kCapsFile | kCapsAnimated | kCapsMultiImage},
@@ -53,16 +58,16 @@ constexpr FormatEntry kTable[kFormatCount] = {
     {kNoList, TargaInfo, TargaRead, TargaWrite, nullptr, 24, "TGA", "(TGA) Targa", 1, kCapsFile},
     {kNoList, PXM_NOT_BUILT, nullptr, 8, "CUT", "(CUT) Dr. Halo", 1, kCapsFile},
     {kNoList, BmpInfo, BmpRead, BmpWrite, nullptr, 24, "BMP", "(BMP) Windows", 1, kCapsFile},
-    {kNoList, PXM_NOT_BUILT, nullptr, 1, "MSP", "(MSP) Microsoft Paint", 1, kCapsFile},
+    {kNoList, MspInfo, MspRead, MspWrite, nullptr, 1, "MSP", "(MSP) Microsoft Paint", 1, kCapsFile},
     {IffList, IffInfo, IffRead, IffWrite, nullptr, 8, "LBM", "(LBM) Amiga", 1, kCapsFile},
     {kNoList, PXM_NOT_BUILT, nullptr, 8, "EXE", "(EXE) Self-displaying image", 1, kCapsFile},
     {kNoList, PXM_NOT_BUILT, nullptr, 24, "TXT", "(TXT) Text files", 1, kCapsFile},
     {kNoList, PXM_NOT_BUILT, nullptr, 8, "RLE", "(RLE) Windows", 1, kCapsFile},
     {kNoList, JpegInfo, JpegRead, JpegWrite, nullptr, 24, "JPG", "(JPG) Jpeg", 1, kCapsFile},
-    {kNoList, PXM_NOT_BUILT, nullptr, 1, "ART", "(ART) PFS:Publisher", 1, kCapsFile},
+    {kNoList, ArtInfo, ArtRead, ArtWrite, nullptr, 1, "ART", "(ART) PFS:Publisher", 1, kCapsFile},
     {IffList, IffInfo, IffRead, IffWrite, nullptr, 24, "IFF", "(IFF) Amiga", 1, kCapsFile},
     {kNoList, SunInfo, SunRead, SunWrite, nullptr, 24, "RAS", "(RAS) Sun raster", 1, kCapsFile},
-    {kNoList, PXM_NOT_BUILT, nullptr, 24, "HRZ", "(HRZ) SSTV", 1, kCapsFile},
+    {kNoList, HrzInfo, HrzRead, HrzWrite, nullptr, 24, "HRZ", "(HRZ) SSTV", 1, kCapsFile},
     {kNoList, BmpInfo, BmpRead, BmpWrite, nullptr, 24, "DIB", "(DIB) Windows", 1, kCapsFile},
     {kNoList, PXM_NOT_BUILT, nullptr, 8, "ICO", "(ICO) Windows icon", 1, kCapsFile},
     {kNoList, RefuseInfo5, RefuseRead5, RefuseWrite5, nullptr, 24, "AVI", "(AVI) Video for Windows",

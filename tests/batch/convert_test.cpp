@@ -66,11 +66,11 @@ TEST_F(ConvertTest, RefusalsAndTheirCodes) {
   // A row whose writer is not built answers 5 after reading, and leaves nothing.
   EXPECT_EQ(Convert(host, eight, Row("MSP")), kTooManyColours);
   EXPECT_EQ(Convert(host, eight, Row("WMF")), kUnsupportedFunction);
-  // A source row whose handlers are not built.
-  test::WriteFileBytes(dir / "pic.mac", std::string(700, '\0'));
-  EXPECT_EQ(Convert(host, dir / "pic.mac", Row("BMP")), kUnsupportedFunction);
+  // A source row whose handlers only refuse.
+  test::WriteFileBytes(dir / "pic.avi", std::string(700, '\0'));
+  EXPECT_EQ(Convert(host, dir / "pic.avi", Row("BMP")), kUnsupportedFunction);
   EXPECT_EQ(test::ListDirectory(dir.path()),
-            (std::vector<std::string>{"deep.bmp", "eight.bmp", "notes.xyz", "pic.mac"}));
+            (std::vector<std::string>{"deep.bmp", "eight.bmp", "notes.xyz", "pic.avi"}));
 }
 
 TEST_F(ConvertTest, ReaderErrorsPassThroughAndLeaveNoOutput) {

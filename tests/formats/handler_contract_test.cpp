@@ -246,5 +246,53 @@ TEST(Handlers, AStoppedWriterLeavesNoFileAndAFileThatCannotBeMadeIsACreateError)
   }
 }
 
+TEST(Handlers, PaintFormatRowsKeepEveryContract) {
+  // MacPaint, GEM, Microsoft Paint, PFS clip art and SSTV, each with a picture its writer takes.
+  struct Case {
+    const char* ext;
+    uint32_t width;
+    int32_t depth;
+    uint32_t bits;
+  };
+  const Case cases[] = {
+      {"mac", 9, 5, 1}, {"img", 9, 5, 8}, {"msp", 9, 5, 1}, {"art", 9, 5, 1}, {"hrz", 256, 240, 24}};
+  test::TempDir dir;
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.ext);
+    const std::string ext = c.ext;
+    ImageInfo missing;
+    EXPECT_EQ(Row(ext).info(missing, dir / ("missing." + ext), 0), kOpenError);
+    EXPECT_EQ(Row(ext).read(missing, dir / ("missing." + ext)), kOpenError);
+
+    const test::Picture p = test::Pattern(c.width, c.depth, c.bits);
+    const std::string path = dir / ("Rec." + ext);
+    ASSERT_EQ(test::WritePicture(p, path), kOk);
+    ImageInfo info;
+    info.fileName = "stale";
+    info.background = 9;
+    ASSERT_EQ(Row(ext).info(info, path, 0), kOk);
+    EXPECT_EQ(info.fileName, "Rec." + ext);
+    EXPECT_EQ(info.background, 0u);
+    EXPECT_EQ(info.fileSize, int32_t(std::filesystem::file_size(path)));
+    const test::Decoded d = test::DecodeFile(path, 2);
+    EXPECT_EQ(d.readCode, kCancelled);
+    EXPECT_EQ(d.order, (std::vector<int32_t>{0, 1}));
+
+    ImageInfo out;
+    out.width = p.width;
+    out.depth = p.depth;
+    out.bits = p.bits;
+    out.palette = p.palette;
+    int asked = 0;
+    out.getLine = [&](std::span<uint8_t> row, int32_t y) {
+      std::copy(p.rows[size_t(y)].begin(), p.rows[size_t(y)].end(), row.begin());
+      return ++asked == 3 ? 1 : 0;
+    };
+    EXPECT_EQ(Row(ext).write(out, dir / ("w." + ext)), kCancelled);
+    EXPECT_FALSE(std::filesystem::exists(dir / ("w." + ext)));
+    EXPECT_EQ(Row(ext).write(out, dir / ("no/such/dir/w." + ext)), kCreateError);
+  }
+}
+
 }  // namespace
 }  // namespace pxm

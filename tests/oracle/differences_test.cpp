@@ -105,6 +105,18 @@ const std::vector<Difference>& Differences() {
       {"D36", "IFF", "colour maps longer than 768 bytes",
        "the chunk walk goes on at the file offset length - 768, not after the map",
        "the walk's rule for maps of more than 256 entries", "iff_test (oversized map)"},
+      {"D37", "HRZ", "bytes above 63 (ImageMagick writes 64 for 254 and 255)",
+       "full intensity; ImageMagick wraps them round, showing 64 as black",
+       "samples are six bits: a larger byte can only mean the most",
+       "PaintOracle (SSTV), sstv_test"},
+      {"D38", "IMG", "8 planes without a palette",
+       "grey from white (0) to black (255), plane 0 the lowest bit; FFmpeg takes plane 0 for the "
+       "highest",
+       "planes hold the value's bits from the lowest, as in colour files", "PaintDifferences"},
+      {"D39", "IMG", "4 planes without a palette (netpbm)",
+       "the standard colours with FFmpeg's levels (174 for half intensity); netpbm shows 170, and "
+       "ignores XIMG palettes",
+       "FFmpeg is the reader that knows XIMG files", "PaintDifferences"},
   };
   return table;
 }
