@@ -74,12 +74,24 @@ int WriteThroughTemporary(Host& host, const FormatEntry& entry, ImageInfo& info,
   auto temporary = platform::CreateTemporaryFileIn(DirectoryPart(output), NamePart(output));
   if (!temporary) return kCreateError;
   int code;
+  info.outputPath = output;
+  info.companions.clear();
   try {
     code = entry.write(info, *temporary);
   } catch (const std::bad_alloc&) {
     code = kMemoryError;
   }
+  // Companion files (a palette file beside a picture) take their names just before the output
+  // does. Renames within one directory fail only when the directory changed under the write; a
+  // failure then leaves the companions already renamed and gives 9.
+  for (const CompanionFile& c : info.companions)
+    if (code == kOk && !platform::ReplaceFile(c.temporary, c.final)) code = kRenameError;
   if (code == kOk && !platform::ReplaceFile(*temporary, output)) code = kRenameError;
+  if (code != kOk) {
+    for (const CompanionFile& c : info.companions) platform::RemoveFile(c.temporary);
+  }
+  info.outputPath.clear();
+  info.companions.clear();
   if (code != kOk) {
     platform::RemoveFile(*temporary);
     return code;

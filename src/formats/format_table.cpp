@@ -18,6 +18,9 @@
 #include "formats/gif.h"
 #include "formats/pcx.h"
 #include "formats/png.h"
+#include "formats/pictor.h"
+#include "formats/cut.h"
+#include "formats/wpg.h"
 
 namespace pxm {
 
@@ -46,10 +49,10 @@ constexpr FormatEntry kTable[kFormatCount] = {
     {kNoList, PcxInfo, PcxRead, PcxWrite, nullptr, 24, "PCX", "(PCX) PC Paintbrush", 1, 1},
     {GifList, GifInfo, GifRead, GifWrite, nullptr, 8, "GIF", "(GIF) CompuServe", 1, 261},
     {TiffList, TiffInfo, TiffRead, TiffWrite, nullptr, 24, "TIF", "(TIF) TIFF", 1, 1},
-    {kNoList, PXM_NOT_BUILT, nullptr, 8, "WPG", "(WPG) WordPerfect Graphics", 1, 1},
-    {kNoList, PXM_NOT_BUILT, nullptr, 24, "PIC", "(PIC) Pictor or Pegasus", 1, 1},
+    {kNoList, WpgInfo, WpgRead, WpgWrite, nullptr, 8, "WPG", "(WPG) WordPerfect Graphics", 1, 1},
+    {kNoList, PicInfo, PicRead, PicWrite, nullptr, 24, "PIC", "(PIC) Pictor or Pegasus", 1, 1},
     {kNoList, TargaInfo, TargaRead, TargaWrite, nullptr, 24, "TGA", "(TGA) Targa", 1, 1},
-    {kNoList, PXM_NOT_BUILT, nullptr, 8, "CUT", "(CUT) Dr. Halo", 1, 1},
+    {kNoList, CutInfo, CutRead, CutWrite, nullptr, 8, "CUT", "(CUT) Dr. Halo", 1, 1},
     {kNoList, BmpInfo, BmpRead, BmpWrite, nullptr, 24, "BMP", "(BMP) Windows", 1, 1},
     {kNoList, PXM_NOT_BUILT, nullptr, 1, "MSP", "(MSP) Microsoft Paint", 1, 1},
     {IffList, IffInfo, IffRead, IffWrite, nullptr, 8, "LBM", "(LBM) Amiga", 1, 1},
