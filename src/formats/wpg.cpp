@@ -24,7 +24,7 @@ uint64_t BestRatio(const wpg::Picture& p) {
 // packed as the store packs it.
 void ToStoreRow(const uint8_t* file, const wpg::Picture& p, uint32_t width, uint8_t* out) {
   if (p.bits != 2) {
-    std::copy(file, file + PackedRowBytes(width, p.bits), out);
+    std::copy(file, file + (uint64_t{width} * p.bits + 7) / 8, out);
     return;
   }
   for (uint32_t x = 0; x < width; ++x)
