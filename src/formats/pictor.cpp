@@ -120,7 +120,7 @@ class RowComposer {
     const uint32_t storage = StorageBits(l_.Bits());
     if (l_.planes == 1 && b == storage) {
       // One bit, four bits (nibbles high first) and eight bits are already the row's packing.
-      std::memcpy(out, planes[0].data(), static_cast<size_t>(PackedRowBytes(width_, l_.Bits())));
+      std::memcpy(out, planes[0].data(), static_cast<size_t>((uint64_t{width_} * b + 7) / 8));
       return;
     }
     const uint32_t mask = (1u << b) - 1;

@@ -98,6 +98,11 @@ const std::vector<Difference>& Differences() {
        "relaxed decoding strips them and then skips the line as too short; strict decoding keeps "
        "them",
        "trailing spaces are taken for padding", "UueDifferences"},
+      {"D35", "WPG", "files without a colour map",
+       "the VGA's 256 default colours; one bit black and white",
+       "the format's default map is the VGA's; ImageMagick and GraphicsMagick show it with green "
+       "and blue exchanged (and four levels apart), and ImageMagick one bit in black and green",
+       "WpgOracle.FilesWithoutAColourMap, wpg_test"},
   };
   return table;
 }

@@ -339,11 +339,31 @@ void Uue(std::vector<Case>& all) {
                        Cmd(std::string("uudecode -o /dev/stdout %in | ") + decode)));
 }
 
+// No other program writes these formats; FFmpeg reads PC Paint, ImageMagick and GraphicsMagick
+// read Dr. Halo (with the palette file beside) and WordPerfect Graphics files.
+void PcPaintHaloWpg(std::vector<Case>& all) {
+  const Decoder ffmpeg = Cmd("ffmpeg -v error -i %in -f image2pipe -vcodec ppm -");
+  const Decoder gm = Cmd("gm convert %in ppm:-");
+  // FFmpeg misplaces the pixels of one-bit and planar pictures narrower than 7 pixels.
+  for (uint32_t bits : {1u, 3u, 4u, 8u}) {
+    Case c = Write("PIC", Bits(bits), bits, {ffmpeg, kPx})
+                 .Expecting(bits == 1 ? kBlackWhite : kVgaLevels)
+                 .Bits(FileBits(bits));
+    c.widths = {7, 8, 9, 31, 33};
+    all.push_back(c);
+  }
+  for (uint32_t bits : {1u, 4u, 8u}) {
+    all.push_back(Write("CUT", Bits(bits), bits, {kIm, gm, kPx}).Bits(8));
+    all.push_back(Write("WPG", Bits(bits), bits, {kIm, gm, kPx}).Bits(bits));
+  }
+}
+
 }  // namespace
 
 std::vector<Case> MatrixCases() {
   std::vector<Case> all;
-  for (auto add : {Bmp, Pcx, Gif, Png, Jpeg, Tiff, Targa, Sun, Fits, Iff, Uue}) add(all);
+  for (auto add : {Bmp, Pcx, Gif, Png, Jpeg, Tiff, Targa, Sun, Fits, Iff, Uue, PcPaintHaloWpg})
+    add(all);
   return all;
 }
 

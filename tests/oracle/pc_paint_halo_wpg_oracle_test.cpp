@@ -34,6 +34,12 @@ std::string Pic(uint32_t width, uint32_t height, int planeInfo, int paletteType,
          Le(paletteType, 2) + Le(uint32_t(palette.size()), 2) + palette + data;
 }
 
+// The data in one block of plain bytes (the marker, 0xEE, never among them).
+std::string Blocked(const std::string& data) {
+  return Le(1, 2) + Le(uint32_t(data.size() + 5), 2) + Le(uint32_t(data.size()), 2) + Raw({0xEE}) +
+         data;
+}
+
 TEST(PcPaintOracle, PublicSamplesAndEveryLayoutReadAsFfmpegReadsThem) {
   PXM_REQUIRE_ORACLE(test::HaveProgram("ffmpeg"), "ffmpeg");
   std::vector<std::string> files;
@@ -42,21 +48,22 @@ TEST(PcPaintOracle, PublicSamplesAndEveryLayoutReadAsFfmpegReadsThem) {
     for (const std::string& f : test::FilesUnder(root)) files.push_back(f);
   EXPECT_TRUE(files.size() >= 7 || !fs::is_directory(root));
   // Layouts and palettes the samples lack: two planes of two bits, packed nibbles, three planes,
-  // CGA, PCjr, EGA and VGA palettes on pictures of other depths, data without blocks.
+  // CGA, PCjr, EGA and VGA palettes on pictures of other depths, 8-bit data without blocks.
+  // (FFmpeg shows other data kept without blocks black; no program is known to write such files.)
   test::TempDir dir;
   std::string p16;
   for (int i = 0; i < 48; ++i) p16 += Raw({(i * 5) % 64});
   const std::string built[] = {
-      Pic(4, 2, 0x12, 0, "", Le(0, 2) + Raw({0x1B, 0xE4, 0x4E, 0xB1})),
-      Pic(4, 1, 0x04, 0, "", Le(0, 2) + Raw({0x12, 0x34})),
-      Pic(8, 2, 0x21, 0, "", Le(0, 2) + Raw({1, 2, 3, 4, 5, 6})),
-      Pic(8, 1, 0x01, 4, Raw({10, 20, 30, 40, 50, 60}), Le(0, 2) + Raw({0x55})),
-      Pic(8, 1, 0x01, 3, Raw({1, 2}) + std::string(14, '\0'), Le(0, 2) + Raw({0x55})),
-      Pic(4, 1, 0x02, 1, Raw({3, 0}), Le(0, 2) + Raw({0x1B})),
-      Pic(4, 1, 0x02, 2, Raw({1, 2, 3, 4}), Le(0, 2) + Raw({0x1B})),
+      Pic(4, 2, 0x12, 0, "", Blocked(Raw({0x1B, 0xE4, 0x4E, 0xB1}))),
+      Pic(4, 1, 0x04, 0, "", Blocked(Raw({0x12, 0x34}))),
+      Pic(8, 2, 0x21, 0, "", Blocked(Raw({1, 2, 3, 4, 5, 6}))),
+      Pic(8, 1, 0x01, 4, Raw({10, 20, 30, 40, 50, 60}), Blocked(Raw({0x55}))),
+      Pic(8, 1, 0x01, 3, Raw({1, 2}) + std::string(14, '\0'), Blocked(Raw({0x55}))),
+      Pic(4, 1, 0x02, 1, Raw({3, 0}), Blocked(Raw({0x1B}))),
+      Pic(4, 1, 0x02, 2, Raw({1, 2, 3, 4}), Blocked(Raw({0x1B}))),
       Pic(8, 1, 0x08, 3, std::string("\x01\x02\x03\x04\x05\x06\x07\x08\x09", 9),
-          Le(0, 2) + Raw({1, 2, 3, 4, 5, 6, 7, 8})),
-      Pic(16, 1, 0x31, 5, p16, Le(0, 2) + Raw({0x0F, 0xF0, 0x33, 0xCC, 0x55, 0xAA, 0x00, 0xFF})),
+          Blocked(Raw({1, 2, 3, 4, 5, 6, 7, 8}))),
+      Pic(16, 1, 0x31, 5, p16, Blocked(Raw({0x0F, 0xF0, 0x33, 0xCC, 0x55, 0xAA, 0x00, 0xFF}))),
       Pic(3, 2, 0x08, 0, "", Le(0, 2) + Raw({1, 2, 3, 12, 13, 14})),
   };
   for (size_t i = 0; i < std::size(built); ++i) {
@@ -102,7 +109,7 @@ TEST(WpgOracle, BitmapRecordsReadAsImageMagickAndGraphicsMagickReadThem) {
       Prefix(1) + m1 + bitmap1(5, 2, 2, Raw({0x04, 0x1B, 0xE4, 0x4E, 0xB1})) + Rec1(0x10, ""),
       Prefix(2) + m2 + bitmap2(4, 3, 4, 1, Raw({0x81, 9, 0x01, 1, 2, 0xFE, 0, 0x7F, 1, 0xFF, 1})) +
           Rec2(0x02, ""),
-      Prefix(2) + bitmap2(3, 2, 8, 1, Raw({0x7D, 3, 0x81, 10, 20, 30, 0xFD, 0, 0x01, 7, 8, 9, 1, 2, 3})) +
+      Prefix(2) + bitmap2(3, 2, 8, 1, Raw({0x7D, 3, 0x81, 10, 20, 30, 0xFD, 0, 0x02, 7, 8, 9, 1, 2, 3, 4, 5, 6})) +
           Rec2(0x02, ""),
       Prefix(2) + m2 + bitmap2(4, 1, 3, 0, Raw({0x12, 0xAB})) + Rec2(0x02, ""),
   };
@@ -113,13 +120,16 @@ TEST(WpgOracle, BitmapRecordsReadAsImageMagickAndGraphicsMagickReadThem) {
     test::WriteFileBytes(path, files[i]);
     test::RgbImage im, gm;
     ASSERT_TRUE(test::MagickDecode(path, im));
-    ASSERT_TRUE(GmDecode(path, gm));
     EXPECT_TRUE(test::ReadsAs(path, im));
+    // GraphicsMagick shows one bit in black and white whatever the map, and reads no 24-bit
+    // bitmap.
+    if (i == 1 || i == 5) continue;
+    ASSERT_TRUE(GmDecode(path, gm));
     EXPECT_TRUE(test::ReadsAs(path, gm));
   }
 }
 
-// D33: without a colour map Pixmill shows the VGA's own default colours; both programs show them
+// D35: without a colour map Pixmill shows the VGA's own default colours; both programs show them
 // with green and blue exchanged (and four levels that differ from the VGA's besides).
 TEST(WpgOracle, FilesWithoutAColourMap) {
   PXM_REQUIRE_ORACLE(test::HaveProgram(test::kMagick), test::kMagick);
