@@ -35,8 +35,9 @@ struct Layout {
   uint16_t paletteSize = 0;
 
   uint32_t Bits() const { return bitsPerPlane * planes; }
-  uint64_t PlaneRowBytes() const { return (uint64_t{width} * bitsPerPlane + 7) / 8; }
-  uint64_t PlaneBytes() const { return PlaneRowBytes() * static_cast<uint64_t>(depth); }
+  uint64_t RowBits() const { return uint64_t{width} * bitsPerPlane; }
+  uint64_t PlaneRowBytes() const { return (RowBits() + 7) / 8; }
+  uint64_t PlaneBits() const { return RowBits() * static_cast<uint64_t>(depth); }
   uint64_t DataStart() const { return kHeaderBytes + paletteSize; }
 };
 
@@ -139,24 +140,64 @@ class RowComposer {
   uint32_t width_;
 };
 
+// The planes are one stream of bits: rows follow each other without padding to whole bytes (only
+// pictures whose rows are whole bytes, as screens are, look the same either way), and each plane
+// follows the last. Reads a plane's rows from wherever its first bit lies.
+class PlaneBits {
+ public:
+  bool Start(PicStreamReader& stream, uint64_t firstBit) {
+    stream_ = &stream;
+    if (!stream.Skip(firstBit / 8)) return false;
+    lead_ = static_cast<uint32_t>(firstBit % 8);
+    return lead_ == 0 || stream.Read(&held_, 1);
+  }
+  // The next `bits` bits, packed from the first bit of `out`.
+  bool Next(uint8_t* out, uint64_t bits) {
+    const size_t needed = static_cast<size_t>((lead_ + bits + 7) / 8);
+    bytes_.resize(needed + 1);
+    size_t have = 0;
+    if (lead_ > 0) bytes_[have++] = held_;
+    if (needed > have && !stream_->Read(bytes_.data() + have, needed - have)) return false;
+    bytes_[needed] = 0;
+    const size_t outBytes = static_cast<size_t>((bits + 7) / 8);
+    if (lead_ == 0) {
+      std::memcpy(out, bytes_.data(), outBytes);
+    } else {
+      for (size_t i = 0; i < outBytes; ++i)
+        out[i] = static_cast<uint8_t>((bytes_[i] << lead_) | (bytes_[i + 1] >> (8 - lead_)));
+    }
+    lead_ = static_cast<uint32_t>((lead_ + bits) % 8);
+    if (lead_ > 0) held_ = bytes_[needed - 1];
+    return true;
+  }
+
+ private:
+  PicStreamReader* stream_ = nullptr;
+  uint32_t lead_ = 0;  // bits of `held_` already taken
+  uint8_t held_ = 0;
+  std::vector<uint8_t> bytes_;
+};
+
 int ReadRows(ImageInfo& info, const std::string& path, InputFile& first, const Layout& l) {
   const uint32_t width = std::min(l.width, info.width);
   const int32_t depth = std::min(l.depth, info.depth);
   const size_t planeRow = static_cast<size_t>(l.PlaneRowBytes());
 
-  // Plane p starts p whole planes into the stream; each plane reads the file on its own.
+  // Each plane reads the file on its own, from where its first bit lies.
   std::vector<std::unique_ptr<InputFile>> files;
   std::vector<PicStreamReader> streams(l.planes);
-  if (!streams[0].Start(first)) return kReadError;
+  std::vector<PlaneBits> bits(l.planes);
+  if (!streams[0].Start(first) || !bits[0].Start(streams[0], 0)) return kReadError;
   for (uint32_t p = 1; p < l.planes; ++p) {
     files.push_back(std::make_unique<InputFile>());
     InputFile& f = *files.back();
     if (!f.Open(path)) return kOpenError;
-    if (!f.Seek(l.DataStart()) || !streams[p].Start(f) || !streams[p].Skip(p * l.PlaneBytes()))
+    if (!f.Seek(l.DataStart()) || !streams[p].Start(f) ||
+        !bits[p].Start(streams[p], p * l.PlaneBits()))
       return kReadError;
   }
 
-  std::vector<std::vector<uint8_t>> planes(l.planes, std::vector<uint8_t>(planeRow));
+  std::vector<std::vector<uint8_t>> planes(l.planes, std::vector<uint8_t>(planeRow + 1));
   std::vector<uint8_t> row(static_cast<size_t>(WorkingRowSize(width, info.bits)),
                            static_cast<uint8_t>(info.background));
   const RowComposer composer(l, width);
@@ -164,7 +205,7 @@ int ReadRows(ImageInfo& info, const std::string& path, InputFile& first, const L
   // still passes its lower rows.
   for (int32_t fileRow = 0; fileRow < l.depth; ++fileRow) {
     for (uint32_t p = 0; p < l.planes; ++p)
-      if (!streams[p].Read(planes[p].data(), planeRow)) return kReadError;
+      if (!bits[p].Next(planes[p].data(), l.RowBits())) return kReadError;
     const int32_t y = l.depth - 1 - fileRow;
     if (y >= depth) continue;
     composer.Compose(planes, row.data());
@@ -190,7 +231,7 @@ int PicInfo(ImageInfo& info, const std::string& path, int /*purpose*/) {
   if (!in.ReadExact(palette.data(), palette.size()) || !in.ReadExact(count, 2))
     return kCorruptedFile;
   const bool packed = LoadLe16(count) != 0;
-  if (!FileCouldHold(in.Size(), l.DataStart() + 2, l.PlaneBytes() * l.planes,
+  if (!FileCouldHold(in.Size(), l.DataStart() + 2, (l.PlaneBits() * l.planes + 7) / 8,
                      packed ? kBestBlockRatio : 1))
     return kCorruptedFile;
   info.palette = BuildPalette(l, palette);

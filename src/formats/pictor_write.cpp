@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <cstring>
 #include <new>
 #include <vector>
@@ -34,11 +35,44 @@ Written WrittenAs(uint32_t bits) {
   return {8, 1, kVgaPalette, 256, 'L'};
 }
 
-// Gathers the stream and writes it out a block at a time.
+// Gathers the stream and writes it out a block at a time. Rows go in as bits: the stream has
+// no padding between rows or planes, only at its end.
 class BlockSink {
  public:
   BlockSink(OutputFile& out, uint32_t blockBytes) : out_(out), blockBytes_(blockBytes) {
     pending_.reserve(blockBytes);
+  }
+  // The first `bits` bits of `row`.
+  bool PutBits(const uint8_t* row, uint64_t bits) {
+    const size_t whole = static_cast<size_t>(bits / 8);
+    const uint32_t rest = static_cast<uint32_t>(bits % 8);
+    if (used_ == 0) {
+      if (!Put(row, whole)) return false;
+    } else {
+      for (size_t i = 0; i < whole; ++i)
+        if (!PutPartial(row[i], 8)) return false;
+    }
+    return rest == 0 || PutPartial(row[whole], rest);
+  }
+  bool Finish() {
+    if (used_ > 0) {
+      const auto last = static_cast<uint8_t>(partial_ << (8 - used_));
+      used_ = 0;
+      if (!Put(&last, 1)) return false;
+    }
+    return Flush();
+  }
+
+ private:
+  // The high `n` bits of `byte`.
+  bool PutPartial(uint8_t byte, uint32_t n) {
+    partial_ = (partial_ << n) | (uint32_t{byte} >> (8 - n));
+    used_ += n;
+    if (used_ < 8) return true;
+    used_ -= 8;
+    const auto full = static_cast<uint8_t>(partial_ >> used_);
+    partial_ &= (1u << used_) - 1;
+    return Put(&full, 1);
   }
   bool Put(const uint8_t* data, size_t n) {
     while (n > 0) {
@@ -57,18 +91,20 @@ class BlockSink {
     return out_.Write(packed_.data(), packed_.size());
   }
 
- private:
   OutputFile& out_;
   size_t blockBytes_;
   std::vector<uint8_t> pending_;
   std::vector<uint8_t> packed_;
+  uint32_t partial_ = 0;  // bits waiting for a whole byte
+  uint32_t used_ = 0;
 };
 
 int WriteStream(ImageInfo& info, OutputFile& out, const Written& w) {
   const uint32_t width = info.width;
   const int32_t depth = info.depth;
   const size_t planeRow = static_cast<size_t>((uint64_t{width} * w.bitsPerPlane + 7) / 8);
-  const uint64_t stream = uint64_t{planeRow} * static_cast<uint64_t>(depth) * w.planes;
+  const uint64_t rowBits = uint64_t{width} * w.bitsPerPlane;
+  const uint64_t stream = (rowBits * static_cast<uint64_t>(depth) * w.planes + 7) / 8;
   const uint32_t blockBytes = PicBlockBytes(stream);
   const uint64_t blocks = (stream + blockBytes - 1) / blockBytes;
   if (blocks > 0xFFFF) return kUnsuitableImage;
@@ -92,10 +128,10 @@ int WriteStream(ImageInfo& info, OutputFile& out, const Written& w) {
           if ((PixelAt(row.data(), x, 4) >> p) & 1)
             plane[x / 8] |= static_cast<uint8_t>(0x80 >> (x % 8));
       }
-      if (!sink.Put(plane.data(), planeRow)) return kWriteError;
+      if (!sink.PutBits(plane.data(), rowBits)) return kWriteError;
     }
   }
-  return sink.Flush() ? kOk : kWriteError;
+  return sink.Finish() ? kOk : kWriteError;
 }
 
 }  // namespace

@@ -43,6 +43,10 @@ TEST(PicRead, PlaneLayoutsPalettesAndBlocks) {
        {0x89, 0xAB, 0xCD, 0xEF}},
       {"two bits", Pic(5, 1, 0x02, 0, "", Unpacked(Raw({0x1B, 0x80}))), 2, {0x01, 0x23, 0x20, 0}},
       {"one bit", Pic(9, 1, 0x01, 0, "", Unpacked(Raw({0x5A, 0x80}))), 1, {0x5A, 0x80}},
+      // Rows and planes are not padded to whole bytes: the top row and the second plane begin
+      // with the last bit of the first byte.
+      {"rows run on", Pic(7, 2, 0x01, 0, "", Unpacked(Raw({0x01, 0x80}))), 1, {0xC0}},
+      {"planes run on", Pic(7, 1, 0x11, 0, "", Unpacked(Raw({0x01, 0x80}))), 2, {0x22, 0, 0, 0}},
       // Marker 7: a literal, a short run, a long run with a 16-bit count, a literal marker as a
       // run of one; the next block's run is cut at its unpacked size, and a block whose packed
       // bytes end early is made up with zeros.
