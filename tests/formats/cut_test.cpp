@@ -102,9 +102,9 @@ TEST(CutWrite, RowsPaletteFileAndRoundTrips) {
   const std::string pal = test::ReadFileBytes(dir / "w.pal");
   // 78 entries fill the first block, 85 each of the next two, 8 the fourth.
   ASSERT_EQ(pal.size(), 3 * 512u + 8 * 6);
-  EXPECT_EQ(pal.substr(0, 28), "AH" + Le(0, 2) + Le(uint32_t(pal.size() - 40), 2) +
-                                   Raw({0x0A, 0}) + Le(0, 4) + Le(255, 2) + Le(255, 2) +
-                                   Le(255, 2) + Le(255, 2) + "Dr. Halo");
+  EXPECT_EQ(pal.substr(0, 28), "AH" + Le(0, 2) + Le(uint32_t(pal.size() - 40), 2) + Raw({0x0A, 0}) +
+                                   Le(0, 4) + Le(255, 2) + Le(255, 2) + Le(255, 2) + Le(255, 2) +
+                                   "Dr. Halo");
   EXPECT_EQ(pal.substr(46, 6), Le(10, 2) + Le(20, 2) + Le(30, 2));
   // An upper-case name gets an upper-case palette file.
   ASSERT_EQ(test::WritePicture(p, dir / "UP.CUT"), kOk);

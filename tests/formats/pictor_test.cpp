@@ -19,7 +19,9 @@ std::string Pic(uint32_t width, uint32_t height, int planeInfo, int paletteType,
   return Le(0x1234, 2) + Le(width, 2) + Le(height, 2) + Le(0, 4) + Raw({planeInfo, 0xFF, 'X'}) +
          Le(paletteType, 2) + Le(uint32_t(palette.size()), 2) + palette + data;
 }
-std::string Unpacked(const std::string& bytes) { return Le(0, 2) + bytes; }
+std::string Unpacked(const std::string& bytes) {
+  return Le(0, 2) + bytes;
+}
 // One block: packed size, unpacked size, marker, runs.
 std::string Block(const std::string& packed, uint32_t unpacked, int marker) {
   return Le(uint32_t(packed.size() + 5), 2) + Le(unpacked, 2) + Raw({marker}) + packed;
@@ -34,12 +36,18 @@ TEST(PicRead, PlaneLayoutsPalettesAndBlocks) {
   };
   const Case cases[] = {
       // Rows are kept bottom first.
-      {"8 bits, uncompressed", Pic(3, 2, 0x08, 0, "", Unpacked(Raw({1, 2, 3, 4, 5, 6}))), 8,
+      {"8 bits, uncompressed",
+       Pic(3, 2, 0x08, 0, "", Unpacked(Raw({1, 2, 3, 4, 5, 6}))),
+       8,
        {4, 5, 6}},
       // Plane 0 gives the low bits: plane rows 0x1B and 0xE4 make 12, 9, 6, 3.
-      {"two planes of two bits", Pic(4, 1, 0x12, 0, "", Unpacked(Raw({0x1B, 0xE4}))), 4,
+      {"two planes of two bits",
+       Pic(4, 1, 0x12, 0, "", Unpacked(Raw({0x1B, 0xE4}))),
+       4,
        {0xC9, 0x63, 0, 0}},
-      {"four EGA planes", Pic(8, 1, 0x31, 0, "", Unpacked(Raw({0x55, 0x33, 0x0F, 0xFF}))), 4,
+      {"four EGA planes",
+       Pic(8, 1, 0x31, 0, "", Unpacked(Raw({0x55, 0x33, 0x0F, 0xFF}))),
+       4,
        {0x89, 0xAB, 0xCD, 0xEF}},
       {"two bits", Pic(5, 1, 0x02, 0, "", Unpacked(Raw({0x1B, 0x80}))), 2, {0x01, 0x23, 0x20, 0}},
       {"one bit", Pic(9, 1, 0x01, 0, "", Unpacked(Raw({0x5A, 0x80}))), 1, {0x5A, 0x80}},
@@ -54,7 +62,8 @@ TEST(PicRead, PlaneLayoutsPalettesAndBlocks) {
        Pic(12, 1, 0x08, 0, "",
            Le(3, 2) + Block(Raw({9, 7, 2, 5, 7, 0}) + Le(3, 2) + Raw({6, 7, 1, 7}), 7, 7) +
                Block(Raw({0, 4, 3}), 3, 0) + Block(Raw({8}), 2, 1)),
-       8, {9, 5, 5, 6, 6, 6, 7, 3, 3, 3, 8, 0}},
+       8,
+       {9, 5, 5, 6, 6, 6, 7, 3, 3, 3, 8, 0}},
   };
   test::TempDir dir;
   for (const Case& c : cases) {
@@ -71,7 +80,8 @@ TEST(PicRead, PlaneLayoutsPalettesAndBlocks) {
 TEST(PicRead, PaletteTypes) {
   test::TempDir dir;
   auto palette = [&](int planeInfo, int type, const std::string& data) {
-    return test::DecodeBytes(dir, "p.pic", Pic(1, 1, planeInfo, type, data, Unpacked(std::string(4, 0))))
+    return test::DecodeBytes(dir, "p.pic",
+                             Pic(1, 1, planeInfo, type, data, Unpacked(std::string(4, 0))))
         .info.palette;
   };
   // No palette: black and white, the CGA's first four-colour set, the 16 CGA colours.
@@ -101,7 +111,7 @@ TEST(PicRead, DamagedAndForeignFiles) {
   // The other program's PIC files do not start with 0x1234.
   EXPECT_EQ(info("\x01\x00" + good.substr(2)), kCorruptedFile);
   EXPECT_EQ(info(good.substr(0, 16)), kCorruptedFile);
-  EXPECT_EQ(info(Pic(3, 2, 0x00, 0, "", Unpacked(""))), kCorruptedFile);   // planes of 0 bits
+  EXPECT_EQ(info(Pic(3, 2, 0x00, 0, "", Unpacked(""))), kCorruptedFile);      // planes of 0 bits
   EXPECT_EQ(info(Pic(3, 2, 0x03, 0, "", Unpacked(""))), kUnsupportedFormat);  // 3 bits a plane
   EXPECT_EQ(info(Pic(3, 2, 0x28, 0, "", Unpacked(""))), kUnsupportedFormat);  // three planes of 8
   EXPECT_EQ(info(Pic(3, 2, 0x08, 4, std::string(10, '\0'), "")), kCorruptedFile);
@@ -111,9 +121,9 @@ TEST(PicRead, DamagedAndForeignFiles) {
   EXPECT_EQ(info(Pic(65535, 65535, 0x08, 0, "", Unpacked(std::string(180, 'a')))), kCorruptedFile);
   // Rows missing from the data: plain data too short for the picture, blocks that end early.
   EXPECT_EQ(info(good.substr(0, good.size() - 2)), kCorruptedFile);
-  EXPECT_EQ(test::DecodeBytes(dir, "p.pic", Pic(3, 2, 0x08, 0, "", Le(1, 2) + Block("", 3, 0)))
-                .readCode,
-            kReadError);
+  EXPECT_EQ(
+      test::DecodeBytes(dir, "p.pic", Pic(3, 2, 0x08, 0, "", Le(1, 2) + Block("", 3, 0))).readCode,
+      kReadError);
 }
 
 TEST(PicWrite, LayoutsByDepthAndRoundTrips) {
@@ -123,9 +133,9 @@ TEST(PicWrite, LayoutsByDepthAndRoundTrips) {
     uint32_t bits;
     int planeInfo, mode, type, size;
   };
-  for (const Layout& l : {Layout{1, 0x01, 'E', 0, 0}, Layout{3, 0x31, 'M', 5, 48},
-                          Layout{4, 0x31, 'M', 5, 48}, Layout{6, 0x08, 'L', 4, 768},
-                          Layout{8, 0x08, 'L', 4, 768}}) {
+  for (const Layout& l :
+       {Layout{1, 0x01, 'E', 0, 0}, Layout{3, 0x31, 'M', 5, 48}, Layout{4, 0x31, 'M', 5, 48},
+        Layout{6, 0x08, 'L', 4, 768}, Layout{8, 0x08, 'L', 4, 768}}) {
     SCOPED_TRACE(l.bits);
     for (auto [w, h] : {std::pair{1u, 1}, {9u, 5}, {33u, 3}, {300u, 40}}) {
       const test::Picture p = test::Pattern(w, h, l.bits);
@@ -138,7 +148,8 @@ TEST(PicWrite, LayoutsByDepthAndRoundTrips) {
       ASSERT_EQ(test::ReadPicture(path, back), kOk);
       ASSERT_EQ(back.bits, l.bits == 1 ? 1u : l.bits <= 4 ? 4u : 8u);
       for (int32_t y = 0; y < h; ++y)
-        for (uint32_t x = 0; x < w; ++x) ASSERT_EQ(back.Pixel(x, y), p.Pixel(x, y)) << x << "," << y;
+        for (uint32_t x = 0; x < w; ++x)
+          ASSERT_EQ(back.Pixel(x, y), p.Pixel(x, y)) << x << "," << y;
       // The VGA keeps six bits a level.
       const Rgb c = p.palette[p.Pixel(0, 0)];
       if (l.bits > 1) {

@@ -18,8 +18,12 @@ std::string Prefix(int version, int encryption = 0, int fileType = 0x16) {
   return Raw({0xFF, 'W', 'P', 'C'}) + Le(16, 4) + Raw({1, fileType, version, 0}) +
          Le(uint32_t(encryption), 2) + Le(0, 2);
 }
-std::string Length(size_t n) { return n < 0xFF ? Raw({int(n)}) : "\xFF" + Le(uint32_t(n), 2); }
-std::string Rec1(int type, const std::string& data) { return Raw({type}) + Length(data.size()) + data; }
+std::string Length(size_t n) {
+  return n < 0xFF ? Raw({int(n)}) : "\xFF" + Le(uint32_t(n), 2);
+}
+std::string Rec1(int type, const std::string& data) {
+  return Raw({type}) + Length(data.size()) + data;
+}
 std::string Rec2(int type, const std::string& data) {
   return Raw({1, type, 0}) + Length(data.size()) + data;
 }
@@ -32,7 +36,9 @@ std::string Bitmap2(uint32_t w, uint32_t h, int code, int packed, const std::str
 std::string Wpg1(const std::string& records) {
   return Prefix(1) + Rec1(0x0F, Raw({1, 0}) + Le(0, 4)) + records + Rec1(0x10, "");
 }
-std::string Wpg2(const std::string& records) { return Prefix(2) + records + Rec2(0x02, ""); }
+std::string Wpg2(const std::string& records) {
+  return Prefix(2) + records + Rec2(0x02, "");
+}
 
 TEST(WpgRead, BitmapRecordsOfBothVersions) {
   struct Case {
@@ -44,26 +50,48 @@ TEST(WpgRead, BitmapRecordsOfBothVersions) {
   const std::string map = Rec1(0x0E, Le(1, 2) + Le(2, 2) + Raw({10, 20, 30, 40, 50, 60}));
   const Case cases[] = {
       // Three bytes as they are; the row twice more; three bytes of 0xFF.
-      {"version 1", Wpg1(map + Bitmap1(3, 4, 8, Raw({3, 1, 2, 3, 0, 2, 0x80, 3}))), 8, {1, 2, 3},
+      {"version 1",
+       Wpg1(map + Bitmap1(3, 4, 8, Raw({3, 1, 2, 3, 0, 2, 0x80, 3}))),
+       8,
+       {1, 2, 3},
        {255, 255, 255}},
       {"a run into the next row", Wpg1(Bitmap1(3, 2, 8, Raw({0x86, 5}))), 8, {5, 5, 5}, {5, 5, 5}},
       {"placed bitmap, the first of two",
-       Wpg1(Rec1(0x14, std::string(10, '\0') + Le(2, 2) + Le(1, 2) + Le(8, 2) + Le(0, 4) + Raw({2, 7, 8})) +
+       Wpg1(Rec1(0x14, std::string(10, '\0') + Le(2, 2) + Le(1, 2) + Le(8, 2) + Le(0, 4) +
+                           Raw({2, 7, 8})) +
             Bitmap1(5, 5, 8, "")),
-       8, {7, 8}, {7, 8}},
+       8,
+       {7, 8},
+       {7, 8}},
       {"two bits", Wpg1(Bitmap1(4, 1, 2, Raw({1, 0x1B}))), 2, {0x01, 0x23, 0, 0}, {}},
       {"one bit", Wpg1(Bitmap1(9, 1, 1, Raw({2, 0x5A, 0x80}))), 1, {0x5A, 0x80}, {}},
       // A repeated sample, two as they are, then the row once more.
-      {"version 2", Wpg2(Bitmap2(4, 2, 4, 1, Raw({0x81, 9, 0x01, 1, 2, 0xFE, 0}))), 8,
-       {9, 9, 1, 2}, {9, 9, 1, 2}},
+      {"version 2",
+       Wpg2(Bitmap2(4, 2, 4, 1, Raw({0x81, 9, 0x01, 1, 2, 0xFE, 0}))),
+       8,
+       {9, 9, 1, 2},
+       {9, 9, 1, 2}},
       // Samples of three bytes: one repeated twice, then twice again.
-      {"version 2, 24 bits", Wpg2(Bitmap2(2, 2, 8, 1, Raw({0x7D, 3, 0x81, 10, 20, 30, 0xFD, 1}))),
-       24, {10, 20, 30, 10, 20, 30}, {10, 20, 30, 10, 20, 30}},
-      {"version 2, stored", Wpg2(Bitmap2(2, 1, 8, 0, Raw({10, 20, 30, 40, 50, 60}))), 24,
-       {10, 20, 30, 40, 50, 60}, {}},
-      {"version 2, zero and 0xFF samples", Wpg2(Bitmap2(8, 1, 4, 1, Raw({0x7F, 3, 0xFF, 3}))), 8,
-       {0, 0, 0, 0, 255, 255, 255, 255}, {}},
-      {"version 2, 4 bits", Wpg2(Bitmap2(4, 1, 3, 1, Raw({0x81, 0x12}))), 4, {0x12, 0x12, 0, 0}, {}},
+      {"version 2, 24 bits",
+       Wpg2(Bitmap2(2, 2, 8, 1, Raw({0x7D, 3, 0x81, 10, 20, 30, 0xFD, 1}))),
+       24,
+       {10, 20, 30, 10, 20, 30},
+       {10, 20, 30, 10, 20, 30}},
+      {"version 2, stored",
+       Wpg2(Bitmap2(2, 1, 8, 0, Raw({10, 20, 30, 40, 50, 60}))),
+       24,
+       {10, 20, 30, 40, 50, 60},
+       {}},
+      {"version 2, zero and 0xFF samples",
+       Wpg2(Bitmap2(8, 1, 4, 1, Raw({0x7F, 3, 0xFF, 3}))),
+       8,
+       {0, 0, 0, 0, 255, 255, 255, 255},
+       {}},
+      {"version 2, 4 bits",
+       Wpg2(Bitmap2(4, 1, 3, 1, Raw({0x81, 0x12}))),
+       4,
+       {0x12, 0x12, 0, 0},
+       {}},
   };
   test::TempDir dir;
   for (const Case& c : cases) {
@@ -131,8 +159,8 @@ TEST(WpgWrite, OneBitmapRecordAndRoundTrips) {
   ASSERT_EQ(test::WritePicture(p, dir / "w.wpg"), kOk);
   const std::string file = test::ReadFileBytes(dir / "w.wpg");
   EXPECT_EQ(file.substr(0, 24), Prefix(1) + Rec1(0x0F, Raw({1, 0}) + Le(80, 2) + Le(4800, 2)));
-  EXPECT_EQ(file.substr(24, 10), Raw({0x0E, 0xFF}) + Le(0x8000, 2) + Le(772, 2) + Le(0, 2) +
-                                     Le(256, 2));
+  EXPECT_EQ(file.substr(24, 10),
+            Raw({0x0E, 0xFF}) + Le(0x8000, 2) + Le(772, 2) + Le(0, 2) + Le(256, 2));
   // A run, one byte as it is, then the row 299 times more in two repeat codes.
   const std::string data = Raw({0x84, 7, 1, 3, 0, 255, 0, 44});
   EXPECT_EQ(file.substr(24 + 10 + 768),

@@ -20,9 +20,8 @@ using test::Le;
 using test::Raw;
 
 bool FfmpegDecode(const std::string& path, test::RgbImage& out) {
-  return test::DecodeWith("ffmpeg -v error -i " + test::ShellQuote(path) +
-                              " -f image2pipe -vcodec ppm -",
-                          out);
+  return test::DecodeWith(
+      "ffmpeg -v error -i " + test::ShellQuote(path) + " -f image2pipe -vcodec ppm -", out);
 }
 bool GmDecode(const std::string& path, test::RgbImage& out) {
   return test::DecodeWith("gm convert " + test::ShellQuote(path) + " ppm:-", out);
@@ -78,11 +77,14 @@ TEST(PcPaintOracle, PublicSamplesAndEveryLayoutReadAsFfmpegReadsThem) {
 }
 
 std::string Rec1(int type, const std::string& data) {
-  std::string length = data.size() < 0xFF ? Raw({int(data.size())}) : "\xFF" + Le(uint32_t(data.size()), 2);
+  std::string length =
+      data.size() < 0xFF ? Raw({int(data.size())}) : "\xFF" + Le(uint32_t(data.size()), 2);
   return Raw({type}) + length + data;
 }
 std::string Rec2(int type, const std::string& data) {
-  return Raw({1, type, 0}) + (data.size() < 0xFF ? Raw({int(data.size())}) : "\xFF" + Le(uint32_t(data.size()), 2)) + data;
+  return Raw({1, type, 0}) +
+         (data.size() < 0xFF ? Raw({int(data.size())}) : "\xFF" + Le(uint32_t(data.size()), 2)) +
+         data;
 }
 std::string Prefix(int version) {
   return Raw({0xFF, 'W', 'P', 'C'}) + Le(16, 4) + Raw({1, 0x16, version, 0}) + Le(0, 4);
@@ -105,11 +107,14 @@ TEST(WpgOracle, BitmapRecordsReadAsImageMagickAndGraphicsMagickReadThem) {
   const std::string files[] = {
       Prefix(1) + m1 + bitmap1(5, 4, 8, Raw({0x83, 9, 2, 4, 5, 0, 2, 0x85, 1})) + Rec1(0x10, ""),
       Prefix(1) + m1 + bitmap1(9, 3, 1, Raw({0x82, 0x5A, 0x84, 0xF0, 0x80, 2})) + Rec1(0x10, ""),
-      Prefix(1) + m1 + bitmap1(6, 2, 4, Raw({6, 0x01, 0x23, 0x45, 0x67, 0x89, 0xAB})) + Rec1(0x10, ""),
+      Prefix(1) + m1 + bitmap1(6, 2, 4, Raw({6, 0x01, 0x23, 0x45, 0x67, 0x89, 0xAB})) +
+          Rec1(0x10, ""),
       Prefix(1) + m1 + bitmap1(5, 2, 2, Raw({0x04, 0x1B, 0xE4, 0x4E, 0xB1})) + Rec1(0x10, ""),
       Prefix(2) + m2 + bitmap2(4, 3, 4, 1, Raw({0x81, 9, 0x01, 1, 2, 0xFE, 0, 0x7F, 1, 0xFF, 1})) +
           Rec2(0x02, ""),
-      Prefix(2) + bitmap2(3, 2, 8, 1, Raw({0x7D, 3, 0x81, 10, 20, 30, 0xFD, 0, 0x02, 7, 8, 9, 1, 2, 3, 4, 5, 6})) +
+      Prefix(2) +
+          bitmap2(3, 2, 8, 1,
+                  Raw({0x7D, 3, 0x81, 10, 20, 30, 0xFD, 0, 0x02, 7, 8, 9, 1, 2, 3, 4, 5, 6})) +
           Rec2(0x02, ""),
       Prefix(2) + m2 + bitmap2(4, 1, 3, 0, Raw({0x12, 0xAB})) + Rec2(0x02, ""),
   };
