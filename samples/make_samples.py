@@ -297,6 +297,57 @@ def gem(name):
     head += b''.join(struct.pack('>3H', *((c * 1000 + 127) // 255 for c in e)) for e in pal)
     with open(os.path.join(HERE, name), 'wb') as f:
         f.write(head + bytes(out))
+def pictor(name):
+    """PC Paint: four EGA planes of the 16-colour wheel, bottom row first, in one block of
+    plain bytes (the marker byte never occurs in them)."""
+    pal, rows = index_rows(4)
+    for plane in range(4):
+        for row in reversed(rows):
+            for x in range(0, W, 8):
+                b = 0
+                for k in range(8):
+                    if (row[x + k] >> plane) & 1:
+                        b |= 0x80 >> k
+                data.append(b)
+    marker = next(v for v in range(256) if v not in data)
+    vga = b''.join(bytes((r >> 2, g >> 2, b >> 2)) for r, g, b in pal[:16])
+    out = struct.pack('<HHHHHBBBHH', 0x1234, W, H, 0, 0, 0x31, 0xFF, ord('M'), 5, len(vga))
+    out += vga + struct.pack('<HHHB', 1, len(data) + 5, len(data), marker) + data
+        f.write(out)
+
+
+def halo(name):
+    """Dr. Halo: the 8-bit wheel as literal runs, and its palette file beside it."""
+    out = bytearray(struct.pack('<HHH', W, H, 0))
+        packed = bytes((W,)) + bytes(row) + b'\0'
+        out += struct.pack('<H', len(packed)) + packed
+        f.write(out)
+    table = bytearray()
+    pos = 40
+    for r, g, b in pal:
+        if pos % 512 > 506:
+            table += bytes(512 - pos % 512)
+            pos += 512 - pos % 512
+        table += struct.pack('<HHH', r, g, b)
+        pos += 6
+    head = b'AH' + struct.pack('<HHBBHHHHHH', 0, len(table), 0x0A, 0, 0, 0, len(pal) - 1, 255, 255,
+                               255) + b'Dr. Halo'.ljust(20, b'\0')
+    with open(os.path.join(HERE, os.path.splitext(name)[0] + '.pal'), 'wb') as f:
+        f.write(head + table)
+
+
+def wpg(name):
+    """WordPerfect Graphics version 1: the 8-bit wheel after its colour map, rows as literal
+    runs."""
+
+    def record(kind, data):
+        return bytes((kind, 0xFF)) + struct.pack('<HH', 0x8000 | len(data) >> 16, len(data) & 0xFFFF) + data
+    colours = struct.pack('<HH', 0, len(pal)) + b''.join(bytes(c) for c in pal)
+    bitmap = struct.pack('<HHHHH', W, H, 8, 75, 75) + b''.join(bytes((W,)) + bytes(r) for r in rows)
+    out = b'\xffWPC' + struct.pack('<IBBBBHH', 16, 1, 0x16, 1, 0, 0, 0)
+    out += bytes((0x0F, 6, 1, 0)) + struct.pack('<HH', W * 16, H * 16)
+    out += record(0x0E, colours) + record(0x0B, bitmap) + bytes((0x10, 0))
+        f.write(out)
 
 
 if __name__ == '__main__':
@@ -315,3 +366,6 @@ if __name__ == '__main__':
     pfs_art('wheel.art')
     sstv('wheel.hrz')
     gem('wheel-8bit.img')
+    pictor('wheel-ega.pic')
+    halo('wheel-8bit.cut')
+    wpg('wheel-8bit.wpg')

@@ -57,9 +57,10 @@ int ConvertMotion(Operation& op, const std::string& source, int destRow,
 
   // Frames go into a temporary file too, renamed over the output only once the last frame is
   // in: a failed or cancelled motion write leaves nothing behind.
-  int code = WriteThroughTemporary(op.host, output, [&](const std::string& path) {
-    return WriteFrames(op, entry, destination, source, path);
-  });
+  int code = WriteThroughTemporary(
+      op.host, output,
+      [&](const std::string& path) { return WriteFrames(op, entry, destination, source, path); },
+      &op.info);
   if (code == kOk) AutoCreateThumbnail(op.host, output);
   return code;
 }

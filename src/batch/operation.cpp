@@ -71,16 +71,30 @@ int WriteDestination(Operation& op, int destRow, const std::string& output, Line
 }
 
 int WriteThroughTemporary(Host& host, const std::string& output,
-                          const std::function<int(const std::string& path)>& write) {
+                          const std::function<int(const std::string& path)>& write,
+                          ImageInfo* info) {
   auto temporary = platform::CreateTemporaryFileIn(DirectoryPart(output), NamePart(output));
   if (!temporary) return kCreateError;
+  std::vector<CompanionFile> none;
+  std::vector<CompanionFile>& companions = info ? info->companions : none;
+  if (info) info->outputPath = output;
+  companions.clear();
   int code;
   try {
     code = write(*temporary);
   } catch (const std::bad_alloc&) {
     code = kMemoryError;
   }
+  // Companion files (a palette file beside a picture) take their names just before the output
+  // does. Renames within one directory fail only when the directory changed under the write; a
+  // failure then leaves the companions already renamed and gives 9.
+  for (const CompanionFile& c : companions)
+    if (code == kOk && !platform::ReplaceFile(c.temporary, c.final)) code = kRenameError;
   if (code == kOk && !platform::ReplaceFile(*temporary, output)) code = kRenameError;
+  if (code != kOk)
+    for (const CompanionFile& c : companions) platform::RemoveFile(c.temporary);
+  if (info) info->outputPath.clear();
+  companions.clear();
   if (code != kOk) {
     platform::RemoveFile(*temporary);
     return code;
@@ -98,8 +112,8 @@ int WriteThroughTemporary(Host& host, const FormatEntry& entry, ImageInfo& info,
       return kMemoryError;
     }
   }
-  return WriteThroughTemporary(host, output,
-                               [&](const std::string& path) { return entry.write(info, path); });
+  return WriteThroughTemporary(
+      host, output, [&](const std::string& path) { return entry.write(info, path); }, &info);
 }
 
 }  // namespace pxm

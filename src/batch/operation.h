@@ -65,9 +65,11 @@ int ReadSource(Operation& op, int row, const std::string& path, LineSink sink);
 // existing file of that name survives it. A success is announced to the host.
 int WriteThroughTemporary(Host& host, const FormatEntry& entry, ImageInfo& info,
                           const std::string& output);
-// The same for any way of writing a file: `write` fills the temporary path it is given.
+// The same for any way of writing a file: `write` fills the temporary path it is given. With a
+// record, the files its writer made besides the output (`companions`) are named with it.
 int WriteThroughTemporary(Host& host, const std::string& output,
-                          const std::function<int(const std::string& path)>& write);
+                          const std::function<int(const std::string& path)>& write,
+                          ImageInfo* info = nullptr);
 
 // Shows `status` ("Writing %s" with the output name when empty), resets the progress cell, puts
 // the output path into the record, points getLine at `source` and runs the destination's writer

@@ -9,6 +9,7 @@
 #include "formats/bga.h"
 #include "formats/bmp.h"
 #include "formats/clipboard.h"
+#include "formats/cut.h"
 #include "formats/fits.h"
 #include "formats/gem_img.h"
 #include "formats/gif.h"
@@ -18,12 +19,14 @@
 #include "formats/msp.h"
 #include "formats/pcx.h"
 #include "formats/pfs_art.h"
+#include "formats/pictor.h"
 #include "formats/png.h"
 #include "formats/sstv.h"
 #include "formats/sun_raster.h"
 #include "formats/targa.h"
 #include "formats/tiff.h"
 #include "formats/uue.h"
+#include "formats/wpg.h"
 
 namespace pxm {
 
@@ -53,10 +56,10 @@ constexpr FormatEntry kTable[kFormatCount] = {
     {GifList, GifInfo, GifRead, GifWrite, nullptr, 8, "GIF", "(GIF) CompuServe", 1,
      kCapsFile | kCapsAnimated | kCapsMultiImage},
     {TiffList, TiffInfo, TiffRead, TiffWrite, nullptr, 24, "TIF", "(TIF) TIFF", 1, kCapsFile},
-    {kNoList, PXM_NOT_BUILT, nullptr, 8, "WPG", "(WPG) WordPerfect Graphics", 1, kCapsFile},
-    {kNoList, PXM_NOT_BUILT, nullptr, 24, "PIC", "(PIC) Pictor or Pegasus", 1, kCapsFile},
+    {kNoList, WpgInfo, WpgRead, WpgWrite, nullptr, 8, "WPG", "(WPG) WordPerfect Graphics", 1, kCapsFile},
+    {kNoList, PicInfo, PicRead, PicWrite, nullptr, 24, "PIC", "(PIC) Pictor or Pegasus", 1, kCapsFile},
     {kNoList, TargaInfo, TargaRead, TargaWrite, nullptr, 24, "TGA", "(TGA) Targa", 1, kCapsFile},
-    {kNoList, PXM_NOT_BUILT, nullptr, 8, "CUT", "(CUT) Dr. Halo", 1, kCapsFile},
+    {kNoList, CutInfo, CutRead, CutWrite, nullptr, 8, "CUT", "(CUT) Dr. Halo", 1, kCapsFile},
     {kNoList, BmpInfo, BmpRead, BmpWrite, nullptr, 24, "BMP", "(BMP) Windows", 1, kCapsFile},
     {kNoList, MspInfo, MspRead, MspWrite, nullptr, 1, "MSP", "(MSP) Microsoft Paint", 1, kCapsFile},
     {IffList, IffInfo, IffRead, IffWrite, nullptr, 8, "LBM", "(LBM) Amiga", 1, kCapsFile},

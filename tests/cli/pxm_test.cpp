@@ -157,9 +157,12 @@ TEST_F(PxmTest, ConvertNamesEachOutputAndOptionsMayFollowTheCommand) {
 TEST_F(PxmTest, ConvertFailuresAndUsageErrors) {
   Picture("deep.bmp", 24);
   Picture("flat.bmp", 8);
-  Result r = Pxm("convert --to cut flat.bmp deep.bmp");
-  EXPECT_EQ(r.status, 5);  // Dr. Halo files are not written by this build; 24 bits would be 12
-  EXPECT_EQ(r.err, "flat.bmp - Unsupported function\ndeep.bmp - Too many colours\n");
+  Result r = Pxm("convert --to uue flat.bmp");
+  EXPECT_EQ(r.status, 5);  // the UUE row only decodes
+  EXPECT_EQ(r.err, "flat.bmp - Unsupported function\n");
+  r = Pxm("convert --to cut flat.bmp deep.bmp");
+  EXPECT_EQ(r.status, 12);  // Dr. Halo pictures hold at most 256 colours
+  EXPECT_EQ(r.err, "deep.bmp - Too many colours\n");
   EXPECT_EQ(Pxm("convert --to xyz flat.bmp").status, 64);
   EXPECT_EQ(Pxm("convert flat.bmp").status, 64);
   EXPECT_EQ(Pxm("").status, 64);

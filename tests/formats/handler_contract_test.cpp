@@ -23,7 +23,7 @@ const FormatEntry& Row(const std::string& ext) {
 TEST(Handlers, MissingFilesAreOpenErrors) {
   test::TempDir dir;
   for (const char* ext : {"bmp", "bga", "pcx", "gif", "tif", "tga", "jpg", "iff", "ras", "fit",
-                          "png", "uue"}) {
+                          "png", "uue", "pic", "cut", "wpg"}) {
     ImageInfo info;
     const std::string path = dir / (std::string("missing.") + ext);
     EXPECT_EQ(Row(ext).info(info, path, 0), kOpenError) << ext;
@@ -37,7 +37,7 @@ TEST(Handlers, InfoStartsTheRecordWithTheNamePartBackgroundZeroAndTheFileLength)
   test::TempDir dir;
   for (auto [ext, bits] : {std::pair{"bmp", 8u}, {"bga", 8u}, {"pcx", 8u}, {"gif", 8u},
                            {"tif", 8u}, {"tga", 8u}, {"jpg", 24u}, {"iff", 8u}, {"ras", 8u},
-                           {"fit", 8u}, {"png", 8u}}) {
+                           {"fit", 8u}, {"png", 8u}, {"pic", 8u}, {"cut", 8u}, {"wpg", 8u}}) {
     const std::string name = std::string("Rec.") + ext;
     ASSERT_EQ(test::WritePicture(test::Pattern(9, 5, bits), dir / name), kOk) << ext;
     ImageInfo info;
@@ -203,7 +203,8 @@ TEST(Handlers, ASinkThatAnswersOneStopsTheReaderAtOnce) {
   const Case cases[] = {{"bmp", 8, kReadError}, {"bga", 8, kCancelled}, {"pcx", 8, kCancelled},
                         {"gif", 8, kCancelled}, {"tif", 8, kCancelled}, {"tga", 8, kCancelled},
                         {"jpg", 24, kCancelled}, {"iff", 8, kCancelled}, {"ras", 8, kCancelled},
-                        {"fit", 8, kCancelled}, {"png", 8, kCancelled}};
+                        {"fit", 8, kCancelled}, {"png", 8, kCancelled}, {"pic", 8, kCancelled},
+                        {"cut", 8, kCancelled}, {"wpg", 8, kCancelled}};
   test::TempDir dir;
   for (const Case& c : cases) {
     const std::string path = dir / (std::string("s.") + c.ext);
@@ -212,8 +213,9 @@ TEST(Handlers, ASinkThatAnswersOneStopsTheReaderAtOnce) {
     EXPECT_EQ(d.readCode, c.code) << c.ext;
     EXPECT_EQ(d.order.size(), 2u) << c.ext;
   }
-  // Bitmap rows come bottom first; the others top first.
+  // Bitmap and PC Paint rows come bottom first; the others top first.
   EXPECT_EQ(test::DecodeFile(dir / "s.bmp", 2).order, (std::vector<int32_t>{4, 3}));
+  EXPECT_EQ(test::DecodeFile(dir / "s.pic", 2).order, (std::vector<int32_t>{4, 3}));
   EXPECT_EQ(test::DecodeFile(dir / "s.jpg", 2).order, (std::vector<int32_t>{0, 1}));
 }
 
@@ -222,7 +224,8 @@ TEST(Handlers, AStoppedWriterLeavesNoFileAndAFileThatCannotBeMadeIsACreateError)
   test::TempDir dir;
   const test::Picture p = test::Pattern(9, 5, 8);
   for (auto [ext, code] : {std::pair{"bmp", kCancelled}, {"bga", kCancelled}, {"pcx", kCancelled},
-                           {"tif", kCancelled}, {"jpg", kCancelled}, {"gif", kWriteError}}) {
+                           {"tif", kCancelled}, {"jpg", kCancelled}, {"gif", kWriteError},
+                           {"pic", kCancelled}, {"cut", kCancelled}, {"wpg", kCancelled}}) {
     ImageInfo info;
     info.width = p.width;
     info.depth = p.depth;
@@ -237,6 +240,7 @@ TEST(Handlers, AStoppedWriterLeavesNoFileAndAFileThatCannotBeMadeIsACreateError)
     const std::string path = dir / (std::string("w.") + ext);
     EXPECT_EQ(Row(ext).write(info, path), code) << ext;
     EXPECT_FALSE(std::filesystem::exists(path)) << ext;
+    EXPECT_FALSE(std::filesystem::exists(dir / "w.pal")) << ext;  // nor a Dr. Halo palette file
     if (std::string(ext) == "bmp") {
       EXPECT_EQ(asked, (std::vector<int32_t>{4, 3, 2}));  // bottom row first
     }

@@ -117,6 +117,11 @@ const std::vector<Difference>& Differences() {
        "the standard colours with FFmpeg's levels (174 for half intensity); netpbm shows 170, and "
        "ignores XIMG palettes",
        "FFmpeg is the reader that knows XIMG files", "PaintDifferences"},
+      {"D40", "WPG", "files without a colour map",
+       "the VGA's 256 default colours; one bit black and white",
+       "the format's default map is the VGA's; ImageMagick and GraphicsMagick show it with green "
+       "and blue exchanged (and four levels apart), and ImageMagick one bit in black and green",
+       "WpgOracle.FilesWithoutAColourMap, wpg_test"},
   };
   return table;
 }

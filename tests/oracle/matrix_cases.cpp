@@ -377,11 +377,27 @@ void PaintFormats(std::vector<Case>& all) {
   all.insert(all.end(), cases.begin(), cases.end());
 }
 
+// No other program writes these formats; FFmpeg reads PC Paint, ImageMagick and GraphicsMagick
+// read Dr. Halo (with the palette file beside) and WordPerfect Graphics files.
+void PcPaintHaloWpg(std::vector<Case>& all) {
+  const Decoder ffmpeg = Cmd("ffmpeg -v error -i %in -f image2pipe -vcodec ppm -");
+  const Decoder gm = Cmd("gm convert %in ppm:-");
+  for (uint32_t bits : {1u, 3u, 4u, 8u})
+    all.push_back(Write("PIC", Bits(bits), bits, {ffmpeg, kPx})
+                      .Expecting(bits == 1 ? kBlackWhite : kVgaLevels)
+                      .Bits(FileBits(bits)));
+  for (uint32_t bits : {1u, 4u, 8u}) {
+    all.push_back(Write("CUT", Bits(bits), bits, {kIm, gm, kPx}).Bits(8));
+    all.push_back(Write("WPG", Bits(bits), bits, {kIm, gm, kPx}).Bits(bits));
+  }
+}
+
 }  // namespace
 
 std::vector<Case> MatrixCases() {
   std::vector<Case> all;
-  for (auto add : {Bmp, Pcx, Gif, Png, Jpeg, Tiff, Targa, Sun, Fits, Iff, Uue, PaintFormats})
+  for (auto add :
+       {Bmp, Pcx, Gif, Png, Jpeg, Tiff, Targa, Sun, Fits, Iff, Uue, PaintFormats, PcPaintHaloWpg})
     add(all);
   return all;
 }
