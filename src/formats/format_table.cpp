@@ -18,6 +18,10 @@
 #include "formats/gif.h"
 #include "formats/pcx.h"
 #include "formats/png.h"
+#include "formats/cdr.h"
+#include "formats/dll.h"
+#include "formats/ico.h"
+#include "formats/rle.h"
 
 namespace pxm {
 
@@ -55,20 +59,21 @@ constexpr FormatEntry kTable[kFormatCount] = {
     {IffList, IffInfo, IffRead, IffWrite, nullptr, 8, "LBM", "(LBM) Amiga", 1, 1},
     {kNoList, PXM_NOT_BUILT, nullptr, 8, "EXE", "(EXE) Self-displaying image", 1, 1},
     {kNoList, PXM_NOT_BUILT, nullptr, 24, "TXT", "(TXT) Text files", 1, 1},
-    {kNoList, PXM_NOT_BUILT, nullptr, 8, "RLE", "(RLE) Windows", 1, 1},
+    {kNoList, RleInfo, RleRead, RleWrite, nullptr, 8, "RLE", "(RLE) Windows", 1, 1},
     {kNoList, JpegInfo, JpegRead, JpegWrite, nullptr, 24, "JPG", "(JPG) Jpeg", 1, 1},
     {kNoList, PXM_NOT_BUILT, nullptr, 1, "ART", "(ART) PFS:Publisher", 1, 1},
     {IffList, IffInfo, IffRead, IffWrite, nullptr, 24, "IFF", "(IFF) Amiga", 1, 1},
     {kNoList, SunInfo, SunRead, SunWrite, nullptr, 24, "RAS", "(RAS) Sun raster", 1, 1},
     {kNoList, PXM_NOT_BUILT, nullptr, 24, "HRZ", "(HRZ) SSTV", 1, 1},
     {kNoList, BmpInfo, BmpRead, BmpWrite, nullptr, 24, "DIB", "(DIB) Windows", 1, 1},
-    {kNoList, PXM_NOT_BUILT, nullptr, 8, "ICO", "(ICO) Windows icon", 1, 1},
+    {kNoList, IcoInfo, IcoRead, IcoWrite, nullptr, 8, "ICO", "(ICO) Windows icon", 1, 1},
     {kNoList, RefuseInfo5, RefuseRead5, RefuseWrite5, nullptr, 24, "AVI", "(AVI) Video for Windows",
      1, 1053},
     {kNoList, RefuseInfo8, RefuseRead8, ClipboardWrite, nullptr, 24, "CBD", "(CDB) Clipboard", 1, 35},
     {kList5, PXM_NOT_BUILT, nullptr, 24, "CPT", "(CPT) Corel PhotoPAINT", 1, 129},
     {FitsList, FitsInfo, FitsRead, FitsWrite, nullptr, 24, "FIT", "(FIT) Flex. Image Transport", 1, 1},
-    {kList5, PXM_NOT_BUILT, nullptr, 24, "CDR", "(CDR) Corel Draw Preview", 1, 261},
+    {CdrList, CdrInfo, CdrRead, RefuseWrite5, nullptr, 24, "CDR", "(CDR) Corel Draw Preview", 1,
+     261},
     {kNoList, BgaInfo, BgaRead, BgaWrite, nullptr, 24, "BGA", "(BGA) OS/2 Warp", 1, 261},
     {PngList, PngInfo, PngRead, PngWrite, nullptr, 24, "PNG", "(PNG) Portable Netwk Grphcs", 1, 1},
     {kNoList, PXM_NOT_BUILT, nullptr, 24, "MPG", "(MPG) MPEG video", 1, 521},
@@ -82,8 +87,8 @@ constexpr FormatEntry kTable[kFormatCount] = {
      1, 2},
     {kNoList, UueInfo, UueRead, RefuseWrite5, nullptr, 24, "UUE", "(UUE) UUEncoded graphics", 1, 1},
     {kNoList, JpegInfo, JpegRead, JpegWrite, nullptr, 24, "JPE", "(JPE) Jpeg", 1, 1},
-    {kNoList, PXM_NOT_BUILT, nullptr, 24, "DLL", "(DLL) Windows library", 1, 261},
-    {kNoList, PXM_NOT_BUILT, nullptr, 24, "VBX", "(VBX) Windows library", 1, 261},
+    {DllList, DllInfo, DllRead, RefuseWrite5, nullptr, 24, "DLL", "(DLL) Windows library", 1, 261},
+    {DllList, DllInfo, DllRead, RefuseWrite5, nullptr, 24, "VBX", "(VBX) Windows library", 1, 261},
     {FitsList, FitsInfo, FitsRead, FitsWrite, nullptr, 24, "FTS", "(FTS) Flex. Image Transport", 1, 1},
     {kNoList, nullptr, nullptr, nullptr, nullptr, 0, "", "", 0, 0},
 };

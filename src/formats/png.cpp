@@ -137,14 +137,9 @@ int PngResultCode(int result) {
   }
 }
 
-int PngInfo(ImageInfo& info, const std::string& path, int /*purpose*/) {
-  StartInfo(info, path);
-  info.readComments = PngReadComments;
-  InputFile in;
-  if (!in.Open(path)) return kOpenError;
-  info.fileSize = static_cast<int32_t>(in.Size());
+int PngDescribe(ImageInfo& info, InputFile& in, uint64_t start) {
   uint8_t signature[8];
-  if (!in.ReadExact(signature, 8)) return kReadError;
+  if (!in.Seek(start) || !in.ReadExact(signature, 8)) return kReadError;
   if (std::memcmp(signature, kSignature, 8) != 0) return kCorruptedFile;
   info.palette[0] = Rgb{0, 0, 0};
   info.palette[1] = Rgb{255, 255, 255};
@@ -198,6 +193,15 @@ int PngInfo(ImageInfo& info, const std::string& path, int /*purpose*/) {
     if (!in.Seek(data + length + 4)) return kReadError;
   }
   return haveHeader ? kOk : kCorruptedFile;
+}
+
+int PngInfo(ImageInfo& info, const std::string& path, int /*purpose*/) {
+  StartInfo(info, path);
+  info.readComments = PngReadComments;
+  InputFile in;
+  if (!in.Open(path)) return kOpenError;
+  info.fileSize = static_cast<int32_t>(in.Size());
+  return PngDescribe(info, in, 0);
 }
 
 int PngRead(ImageInfo& info, const std::string& path) {

@@ -154,8 +154,8 @@ int DecodeFenced(Job* job) {
 }
 
 // Whether an IDAT chunk comes before IEND; files that cannot be walked are left to libpng.
-bool HasImageData(InputFile& in) {
-  uint64_t at = 8;
+bool HasImageData(InputFile& in, uint64_t start) {
+  uint64_t at = start + 8;
   uint8_t head[8];
   while (in.Seek(at) && in.ReadExact(head, 8)) {
     if (std::memcmp(head + 4, "IDAT", 4) == 0) return true;
@@ -170,11 +170,15 @@ bool HasImageData(InputFile& in) {
 int PngUnpackImage(ImageInfo& info, const std::string& path) {
   InputFile in;
   if (!in.Open(path)) return kPngCannotRead;
+  return PngUnpackAt(info, in, 0);
+}
+
+int PngUnpackAt(ImageInfo& info, InputFile& in, uint64_t start) {
   uint8_t signature[8];
-  if (!in.ReadExact(signature, 8)) return kPngTruncated;
+  if (!in.Seek(start) || !in.ReadExact(signature, 8)) return kPngTruncated;
   if (std::memcmp(signature, kSignature, 8) != 0) return kPngNotPng;
-  if (!HasImageData(in)) return kPngNoImage;
-  if (!in.Seek(8)) return kPngCannotRead;
+  if (!HasImageData(in, start)) return kPngNoImage;
+  if (!in.Seek(start + 8)) return kPngCannotRead;
 
   Job job;
   job.in = &in;
