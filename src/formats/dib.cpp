@@ -140,7 +140,8 @@ int ReadDibRows(ImageInfo& info, InputFile& in, const DibLayout& dib) {
   std::vector<uint8_t> row;
   std::vector<uint8_t> raw;
   try {
-    const uint64_t size = std::max({WorkingRowSize(width, dib.bits), rowBytes, 3 * uint64_t{width}});
+    const uint64_t size =
+        std::max({WorkingRowSize(width, dib.bits), rowBytes, 3 * uint64_t{width}});
     if (size > SIZE_MAX / 2) return kMemoryError;
     row.assign(static_cast<size_t>(size), static_cast<uint8_t>(info.background));
     raw.assign(static_cast<size_t>(rowBytes), 0);

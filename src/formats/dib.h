@@ -17,7 +17,7 @@ enum class DibKind {
 
 struct DibLayout {
   uint32_t width = 0;
-  uint32_t height = 0;       // rows of the picture, an icon's mask not counted
+  uint32_t height = 0;  // rows of the picture, an icon's mask not counted
   bool topDown = false;
   uint32_t fileBits = 0;     // 1, 4, 8, 16, 24 or 32
   uint32_t compression = 0;  // 0 none, 1 8-bit runs, 2 4-bit runs

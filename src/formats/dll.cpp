@@ -93,9 +93,12 @@ int Describe(Library& library, uint32_t index, ImageInfo& info) {
 
 const char* KindText(LibraryKind kind) {
   switch (kind) {
-    case LibraryKind::kNe16: return "16-bit";
-    case LibraryKind::kPe32: return "32-bit";
-    case LibraryKind::kPe64: return "64-bit";
+    case LibraryKind::kNe16:
+      return "16-bit";
+    case LibraryKind::kPe32:
+      return "32-bit";
+    case LibraryKind::kPe64:
+      return "64-bit";
   }
   return "";
 }
@@ -148,7 +151,8 @@ int DllList(ImageInfo& info, const std::string& path, std::vector<std::string>& 
       size = ImageSizeText(image.width, image.height, image.fileBits);
     if (!icon && ParseDib(library.in, offset, DibKind::kBitmap, dib) == kOk)
       size = ImageSizeText(dib.width, dib.height, dib.fileBits);
-    const std::string name = FormatText("%s %u (%s)", icon ? "Icon" : "Bitmap", number, size.c_str());
+    const std::string name =
+        FormatText("%s %u (%s)", icon ? "Icon" : "Bitmap", number, size.c_str());
     names.push_back(name.substr(0, kMostNameLength));
   }
   return kOk;

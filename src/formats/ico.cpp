@@ -22,8 +22,8 @@ enum DirectoryOffset : size_t {
   kCount = 4,
 };
 enum EntryOffset : size_t {
-  kEntryWidth = 0,   // 0 stands for 256
-  kEntryHeight = 1,  // 0 stands for 256
+  kEntryWidth = 0,    // 0 stands for 256
+  kEntryHeight = 1,   // 0 stands for 256
   kEntryColours = 2,  // 0 for 256 colours or more
   kEntryPlanes = 4,   // a cursor's hot spot x
   kEntryBits = 6,     // a cursor's hot spot y
@@ -38,8 +38,8 @@ constexpr uint32_t kLargestSide = 256;
 
 struct Choice {
   bool cursor = false;
-  uint32_t count = 0;   // entries in the directory
-  uint32_t index = 0;   // the entry read
+  uint32_t count = 0;  // entries in the directory
+  uint32_t index = 0;  // the entry read
   IconImage image;
 };
 

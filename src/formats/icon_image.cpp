@@ -25,17 +25,11 @@ int DescribePng(InputFile& in, uint64_t offset, IconImage& out) {
   const uint32_t width = LoadBe32(h + 16);
   const uint32_t height = LoadBe32(h + 20);
   const uint32_t depth = h[24];
-  uint32_t channels;
-  switch (h[25]) {
-    case 0: channels = 1; break;
-    case 2: channels = 3; break;
-    case 3: channels = 1; break;
-    case 4: channels = 2; break;
-    case 6: channels = 4; break;
-    default: return kCorruptedFile;
-  }
-  if (width == 0 || height == 0 || width > 0x7FFFFFFF || height > 0x7FFFFFFF)
-    return kCorruptedFile;
+  // Samples a pixel by colour type: grey, -, colour, palette, grey and alpha, -, colour and alpha.
+  constexpr uint8_t kChannels[7] = {1, 0, 3, 1, 2, 0, 4};
+  const uint32_t channels = h[25] < 7 ? kChannels[h[25]] : 0;
+  if (channels == 0) return kCorruptedFile;
+  if (width == 0 || height == 0 || width > 0x7FFFFFFF || height > 0x7FFFFFFF) return kCorruptedFile;
   out.png = true;
   out.width = width;
   out.height = height;

@@ -57,8 +57,7 @@ int RleInfo(ImageInfo& info, const std::string& path, int purpose) {
   // Files without runs read as the bitmaps they are.
   if (!rle4 && !rle8) return kOk;
   info.description = rle4 ? "Windows RLE4 bitmap" : "Windows RLE8 bitmap";
-  const uint64_t picture =
-      PackedPictureBytes(info.width, static_cast<uint64_t>(info.depth), bits);
+  const uint64_t picture = PackedPictureBytes(info.width, static_cast<uint64_t>(info.depth), bits);
   if (!FileCouldHold(in.Size(), LoadLe32(h + kDataOffset), picture, RleBestRatio(rle4)))
     return kCorruptedFile;
   return kOk;
@@ -121,7 +120,7 @@ int RleWrite(ImageInfo& info, const std::string& path) {
       pixels[x] = static_cast<uint8_t>(PixelAt(row.data(), x, storage));
     codes.clear();
     EncodeRleRow(pixels, fourBit, codes);
-    codes.push_back(0);  // end of line
+    codes.push_back(0);                       // end of line
     codes.push_back(i + 1 == depth ? 1 : 0);  // the last row ends the bitmap instead
     if (!out.Write(codes.data(), codes.size())) return kWriteError;
     dataBytes += codes.size();

@@ -82,8 +82,7 @@ class PeWalk {
     const uint32_t sections = LoadLe16(h + kPeSections);
     const uint32_t optionalSize = LoadLe16(h + kPeOptionalSize);
     std::vector<uint8_t> optional(optionalSize);
-    if (optionalSize < 2 || !in_.ReadExact(optional.data(), optional.size()))
-      return kCorruptedFile;
+    if (optionalSize < 2 || !in_.ReadExact(optional.data(), optional.size())) return kCorruptedFile;
     const uint32_t magic = LoadLe16(optional.data());
     if (magic != kPe32Magic && magic != kPe64Magic) return kUnsupportedFormat;
     kind = magic == kPe32Magic ? LibraryKind::kPe32 : LibraryKind::kPe64;

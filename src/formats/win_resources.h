@@ -19,7 +19,7 @@ enum class LibraryKind { kNe16, kPe32, kPe64 };
 
 struct Resource {
   uint32_t type = 0;
-  uint32_t id = 0;     // the resource's number; 0 for resources known by a name
+  uint32_t id = 0;      // the resource's number; 0 for resources known by a name
   uint64_t offset = 0;  // where its data starts in the file
   uint64_t size = 0;
 };
