@@ -62,16 +62,20 @@ void EncodeRleRow(std::span<const uint8_t> pixels, bool fourBit, std::vector<uin
     size_t end = x + 1;
     while (end < pixels.size() && end - x < kLongest && RunAt(pixels, end, period) < breakRun)
       ++end;
-    const size_t n = end - x;
-    // Codes 0, 1 and 0, 2 are escapes: one or two pixels go as runs of their own.
+    // Codes 0, 1 and 0, 2 are escapes: absolute stretches hold three pixels or more. In 4-bit
+    // data they hold an even number: some readers take the half-filled last byte of an odd
+    // stretch for the next code. What is left goes as runs of its own.
+    size_t n = end - x;
+    if (fourBit) n &= ~size_t{1};
     if (n >= 3) {
       PutAbsolute(pixels, x, n, fourBit, out);
     } else {
-      for (size_t i = 0; i < n;) {
-        const size_t m = std::min(RunAt(pixels, x + i, period), n - i);
-        PutRun(pixels, x + i, m, fourBit, out);
-        i += m;
-      }
+      n = 0;
+    }
+    for (size_t i = x + n; i < end;) {
+      const size_t m = std::min(RunAt(pixels, i, period), end - i);
+      PutRun(pixels, i, m, fourBit, out);
+      i += m;
     }
     x = end;
   }
