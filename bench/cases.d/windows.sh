@@ -24,7 +24,9 @@ if [ ! -f "$in/icons200/i199.ico" ]; then
   done
 fi
 mkdir -p "$work/ico-p" "$work/ico-im" "$work/ico-gm"
-g="200 ICO 256x256 8-bit -> PNG, one process"
-add "$g" "pixmill" "$pxm --set FilenameUnderbars=0 convert --to png --dest-dir $work/ico-p $in/icons200/*.ico"
-add "$g" "ImageMagick" "mogrify-im6.q16 -path $work/ico-im -format png $in/icons200/*.ico"
-add "$g" "GraphicsMagick" "cd $in/icons200 && gm mogrify -output-directory $work/ico-gm -format png *.ico"
+g="200 ICO 256x256 8-bit -> BMP, one process"
+add "$g" "pixmill" "$pxm --set FilenameUnderbars=0 convert --to bmp --dest-dir $work/ico-p $in/icons200/*.ico"
+add "$g" "ImageMagick" "mogrify-im6.q16 -path $work/ico-im -format bmp $in/icons200/*.ico"
+# gm mogrify loses the names of icon files, so GraphicsMagick gets a batch script instead.
+for i in $(seq 0 199); do echo "convert $in/icons200/i$i.ico BMP3:$work/ico-gm/i$i.bmp"; done > "$work/icons200.gm"
+add "$g" "GraphicsMagick" "gm batch -stop-on-error on $work/icons200.gm"
