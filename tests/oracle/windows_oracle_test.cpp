@@ -99,15 +99,12 @@ TEST(WindowsOracle, LibraryPicturesAsWrestoolAndIcotoolExtractThem) {
   resources.push_back({14, 1, test::IconGroup({1, 2, 3}, resources)});
   resources.push_back({14, 2, test::IconGroup({4}, resources)});
   // Pictures in Pixmill's order: the groups' icons, then the bitmaps; how each is extracted.
-  const std::vector<std::string> extract = {
-      "wrestool -x --type=14 --name=1 %f | icotool -x --index=1 -o - - | pngtopnm",
-      "wrestool -x --type=14 --name=1 %f | icotool -x --index=2 -o - - | pngtopnm",
-      "wrestool -x --type=14 --name=1 %f | icotool -x --index=3 -o - - | pngtopnm",
-      "wrestool -x --type=14 --name=2 %f | icotool -x --index=1 -o - - | pngtopnm",
-      "wrestool -x --type=2 --name=10 %f | bmptopnm",
-      "wrestool -x --type=2 --name=11 %f | bmptopnm",
-      "wrestool -x --type=2 --name=12 %f | bmptopnm",
-      "wrestool -x --type=2 --name=13 %f | bmptopnm"};
+  std::vector<std::string> extract;
+  for (const char* member : {"1 --index=1", "1 --index=2", "1 --index=3", "2 --index=1"})
+    extract.push_back("wrestool -x --type=14 --name=" + std::string(member, 1) +
+                      " %f | icotool -x " + (member + 2) + " -o - - | pngtopnm");
+  for (int id = 10; id <= 13; ++id)
+    extract.push_back("wrestool -x --type=2 --name=" + std::to_string(id) + " %f | bmptopnm");
   test::TempDir dir;
   for (auto [name, file] : {std::pair{"l32.dll", test::PeLibrary(resources, false)},
                             {"l64.dll", test::PeLibrary(resources, true)},
