@@ -39,7 +39,6 @@ constexpr uint32_t kLargestSide = 256;
 struct Choice {
   bool cursor = false;
   uint32_t count = 0;  // entries in the directory
-  uint32_t index = 0;  // the entry read
   IconImage image;
 };
 
@@ -73,7 +72,6 @@ int Choose(InputFile& in, Choice& out) {
         (pixels == bestPixels && image.fileBits > out.image.fileBits)) {
       found = true;
       bestPixels = pixels;
-      out.index = i;
       out.image = image;
     }
   }
