@@ -251,6 +251,33 @@ def sstv(name):
     for y in range(240):
         for x in range(256):
             data += bytes(c >> 2 for c in rgb_at(x * W // 256, y * H // 240))
+def dib(bits, w=W, h=H, icon=False):
+    """A bitmap without a file header, of the wheel scaled to w x h: an icon's header counts the
+    rows of its mask too, and the mask (all opaque) follows the picture."""
+    def at(x, y):
+        return rgb_at(x * W // w, y * H // h)
+    if bits == 24:
+        table = b''
+        data = b''
+        for y in reversed(range(h)):
+            row = bytearray()
+            for x in range(w):
+                r, g, b = at(x, y)
+                row += bytes((b, g, r))
+            while len(row) % 4:
+                row.append(0)
+            data += row
+    else:
+        pal = palette(bits)
+        table = b''.join(bytes((b, g, r, 0)) for r, g, b in pal)
+        rows = [[nearest(pal, at(x, y)) for x in range(w)] for y in range(h)]
+        data = b''.join(pack(r, bits) for r in reversed(rows))
+    header = struct.pack('<IiiHHIIiiII', 40, w, 2 * h if icon else h, 1, bits, 0, 0, 0, 0, 0, 0)
+    mask = bytes(((w + 31) // 32 * 4) * h) if icon else b''
+    return header + table + data + mask
+
+
+def write(name, data):
     with open(os.path.join(HERE, name), 'wb') as f:
         f.write(data)
 
@@ -348,6 +375,120 @@ def wpg(name):
     out += bytes((0x0F, 6, 1, 0)) + struct.pack('<HH', W * 16, H * 16)
     out += record(0x0E, colours) + record(0x0B, bitmap) + bytes((0x10, 0))
         f.write(out)
+def ico(name, images):
+    """An icon file of (width, height, bits) images of the wheel."""
+    parts = [dib(bits, w, h, icon=True) for w, h, bits in images]
+    out = struct.pack('<HHH', 0, 1, len(parts))
+    offset = 6 + 16 * len(parts)
+    for (w, h, bits), part in zip(images, parts):
+        out += struct.pack('<BBBBHHII', w % 256, h % 256, (1 << bits) % 256 if bits < 8 else 0, 0,
+                           1, bits, len(part), offset)
+        offset += len(part)
+    write(name, out + b''.join(parts))
+
+
+def icon_group(icons):
+    """A group of (id, width, height, bits, data) icon resources."""
+    out = struct.pack('<HHH', 0, 1, len(icons))
+    for rid, w, h, bits, data in icons:
+        out += struct.pack('<BBBBHHIH', w % 256, h % 256, (1 << bits) % 256 if bits < 8 else 0, 0,
+                           1, bits, len(data), rid)
+    return out
+
+
+def library_resources():
+    icons = [(1, 32, 24, 8), (2, 16, 12, 4)]
+    icon_data = [(rid, w, h, bits, dib(bits, w, h, icon=True)) for rid, w, h, bits in icons]
+    res = [(3, rid, data) for rid, w, h, bits, data in icon_data]
+    res.append((14, 1, icon_group(icon_data)))
+    res.append((2, 1, dib(8)))
+    return res
+
+
+def pe_library(name, resources):
+    """A 32-bit library of one resource section: directories of types, numbers and languages."""
+    rva = 0x1000
+    types = sorted({t for t, _, _ in resources})
+    by_type = {t: [(i, d) for tt, i, d in resources if tt == t] for t in types}
+    at = 16 + 8 * len(types)
+    name_dirs = {}
+    for t in types:
+        name_dirs[t] = at
+        at += 16 + 8 * len(by_type[t])
+    lang_dirs = at
+    at += 24 * len(resources)
+    entries_at = at
+    at += 16 * len(resources)
+    root = struct.pack('<IIHHHH', 0, 0, 0, 0, 0, len(types))
+    root += b''.join(struct.pack('<II', t, 0x80000000 | name_dirs[t]) for t in types)
+    names = langs = entries = data = b''
+    k = 0
+    for t in types:
+        names += struct.pack('<IIHHHH', 0, 0, 0, 0, 0, len(by_type[t]))
+        for rid, d in by_type[t]:
+            names += struct.pack('<II', rid, 0x80000000 | (lang_dirs + 24 * k))
+            langs += struct.pack('<IIHHHHII', 0, 0, 0, 0, 0, 1, 1033, entries_at + 16 * k)
+            entries += struct.pack('<IIII', rva + at + len(data), len(d), 0, 0)
+            data += d + bytes(-len(d) % 4)
+            k += 1
+    section = root + names + langs + entries + data
+    section += bytes(-len(section) % 512)
+    optional = bytearray(224)
+    struct.pack_into('<H', optional, 0, 0x10B)
+    struct.pack_into('<II', optional, 32, 0x1000, 0x200)
+    struct.pack_into('<II', optional, 56, 0x1000 + len(section), 0x200)
+    struct.pack_into('<H', optional, 68, 2)
+    struct.pack_into('<I', optional, 92, 16)
+    struct.pack_into('<II', optional, 112, rva, at)
+    dos = b'MZ' + bytes(58) + struct.pack('<I', 64)
+    head = dos + b'PE\0\0' + struct.pack('<HHIIIHH', 0x14C, 1, 0, 0, 0, 224, 0x2102) + optional
+    head += struct.pack('<8sIIIIIIHHI', b'.rsrc', at, rva, len(section), 0x200, 0, 0, 0, 0,
+                        0x40000040)
+    write(name, head + bytes(0x200 - len(head)) + section)
+
+
+def ne_library(name, resources):
+    """A 16-bit library: its resource table counts offsets and lengths in 16-byte units."""
+    types = sorted({t for t, _, _ in resources})
+    table_size = 2 + 8 * len(types) + 12 * len(resources) + 3
+    resident = bytes((5,)) + b'WHEEL' + bytes(3)
+    data_at = (128 + table_size + len(resident) + 15) & ~15
+    table = struct.pack('<H', 4)
+    data = b''
+    for t in types:
+        items = [(i, d) for tt, i, d in resources if tt == t]
+        table += struct.pack('<HHI', 0x8000 | t, len(items), 0)
+        for rid, d in items:
+            d += bytes(-len(d) % 16)
+            table += struct.pack('<HHHHI', (data_at + len(data)) >> 4, len(d) >> 4, 0x30,
+                                 0x8000 | rid, 0)
+            data += d
+    table += bytes(3)
+    names = 64 + len(table)
+    end = names + len(resident)
+    ne = bytearray(64)
+    ne[0:4] = b'NE\x05\x0a'
+    struct.pack_into('<H', ne, 4, end)
+    struct.pack_into('<HHHHH', ne, 0x22, 64, 64, names, end, end)
+    ne[0x36] = 2
+    out = b'MZ' + bytes(58) + struct.pack('<I', 64) + bytes(ne) + table + resident
+    write(name, out + bytes(data_at - len(out)) + data)
+
+
+def cdr(name):
+    """A drawing whose "DISP" chunk holds its preview bitmap after a word of its own."""
+    def chunk(tag, body):
+        return tag + struct.pack('<I', len(body)) + body + bytes(len(body) % 2)
+    body = chunk(b'vrsn', struct.pack('<H', 600)) + chunk(b'DISP', struct.pack('<I', 1) + dib(8))
+    write(name, b'RIFF' + struct.pack('<I', 4 + len(body)) + b'CDR6' + body)
+
+
+def windows_samples():
+    bmp('wheel-rle8.rle', 8, rle=8)
+    ico('wheels.ico', [(16, 12, 4), (32, 24, 8), (64, 48, 24)])
+    pe_library('wheels.dll', library_resources())
+    ne_library('wheels.vbx', library_resources())
+    cdr('wheel.cdr')
 
 
 if __name__ == '__main__':
@@ -369,3 +510,4 @@ if __name__ == '__main__':
     pictor('wheel-ega.pic')
     halo('wheel-8bit.cut')
     wpg('wheel-8bit.wpg')
+    windows_samples()
