@@ -18,6 +18,7 @@
 #include "formats/gif.h"
 #include "formats/pcx.h"
 #include "formats/png.h"
+#include "formats/photo_cd.h"
 
 namespace pxm {
 
@@ -75,7 +76,7 @@ constexpr FormatEntry kTable[kFormatCount] = {
     {kNoList, PXM_NOT_BUILT, nullptr, 24, "MOV", "(MOV) QuickTime movies", 1, 25},
     {kNoList, PXM_NOT_BUILT, nullptr, 8, "FLI", "(FLI) FLIC animation", 1, 1037},
     {kNoList, PXM_NOT_BUILT, nullptr, 8, "FLC", "(FLC) FLIC animation", 1, 1037},
-    {kNoList, PXM_NOT_BUILT, nullptr, 24, "PCD", "(PCD) Kodak Photo-CD", 1, 1},
+    {kNoList, PcdInfo, PcdRead, RefuseWrite5, nullptr, 24, "PCD", "(PCD) Kodak Photo-CD", 1, 1},
     {kNoList, RefuseInfo5, RefuseRead5, RefuseWrite5, nullptr, 24, "WMF", "(WMF) Windows Metafile",
      1, 2},
     {kNoList, RefuseInfo5, RefuseRead5, RefuseWrite5, nullptr, 24, "CLP", "(CLP) Windows Clipboard",

@@ -98,6 +98,13 @@ const std::vector<Difference>& Differences() {
        "relaxed decoding strips them and then skips the line as too short; strict decoding keeps "
        "them",
        "trailing spaces are taken for padding", "UueDifferences"},
+      {"PCD1", "PCD", "colours (ImageMagick)",
+       "the display equations, values past 255 held at 255: reference white is 247, where "
+       "ImageMagick divides by the luma factor to keep the headroom (white 182)",
+       "the published conversion for display", "PhotoCdOracle (ImageMagick times 1.3584)"},
+      {"PCD2", "PCD", "the half turn of the attribute byte (ImageMagick, FFmpeg)",
+       "turned half round; ImageMagick leaves it unturned, FFmpeg turns nothing",
+       "the attribute's two bits name four turns", "photo_cd_test"},
   };
   return table;
 }
