@@ -20,6 +20,8 @@
 #include "formats/png.h"
 #include "formats/photo_cd.h"
 #include "formats/text_file.h"
+#include "formats/exe_picture.h"
+#include "formats/corel_paint.h"
 
 namespace pxm {
 
@@ -55,7 +57,7 @@ constexpr FormatEntry kTable[kFormatCount] = {
     {kNoList, BmpInfo, BmpRead, BmpWrite, nullptr, 24, "BMP", "(BMP) Windows", 1, 1},
     {kNoList, PXM_NOT_BUILT, nullptr, 1, "MSP", "(MSP) Microsoft Paint", 1, 1},
     {IffList, IffInfo, IffRead, IffWrite, nullptr, 8, "LBM", "(LBM) Amiga", 1, 1},
-    {kNoList, PXM_NOT_BUILT, nullptr, 8, "EXE", "(EXE) Self-displaying image", 1, 1},
+    {kNoList, ExeInfo, ExeRead, RefuseWrite5, nullptr, 8, "EXE", "(EXE) Self-displaying image", 1, 1},
     {kNoList, TextInfo, TextRead, RefuseWrite5, nullptr, 24, "TXT", "(TXT) Text files", 1, 1},
     {kNoList, PXM_NOT_BUILT, nullptr, 8, "RLE", "(RLE) Windows", 1, 1},
     {kNoList, JpegInfo, JpegRead, JpegWrite, nullptr, 24, "JPG", "(JPG) Jpeg", 1, 1},
@@ -68,7 +70,7 @@ constexpr FormatEntry kTable[kFormatCount] = {
     {kNoList, RefuseInfo5, RefuseRead5, RefuseWrite5, nullptr, 24, "AVI", "(AVI) Video for Windows",
      1, 1053},
     {kNoList, RefuseInfo8, RefuseRead8, ClipboardWrite, nullptr, 24, "CBD", "(CDB) Clipboard", 1, 35},
-    {kList5, PXM_NOT_BUILT, nullptr, 24, "CPT", "(CPT) Corel PhotoPAINT", 1, 129},
+    {kList5, CptInfo, CptRead, RefuseWrite5, nullptr, 24, "CPT", "(CPT) Corel PhotoPAINT", 1, 129},
     {FitsList, FitsInfo, FitsRead, FitsWrite, nullptr, 24, "FIT", "(FIT) Flex. Image Transport", 1, 1},
     {kList5, PXM_NOT_BUILT, nullptr, 24, "CDR", "(CDR) Corel Draw Preview", 1, 261},
     {kNoList, BgaInfo, BgaRead, BgaWrite, nullptr, 24, "BGA", "(BGA) OS/2 Warp", 1, 261},

@@ -14,8 +14,8 @@ bool HasSignature(const uint8_t* h) {
 
 }  // namespace
 
-int GifFile::Open(const std::string& path) {
-  if (!in.Open(path)) return kOpenError;
+int GifFile::Open(const std::string& path, FileWindow window) {
+  if (!in.Open(path, window)) return kOpenError;
   if (in.ReadExact(header, kGifHeaderBytes) && HasSignature(header)) return kOk;
   // Files copied from a Macintosh may keep their MacBinary header.
   if (in.Seek(kMacBinaryBytes) && in.ReadExact(header, kGifHeaderBytes) && HasSignature(header)) {
