@@ -41,8 +41,8 @@ int RunFormats(Context& ctx) {
         std::cout << ", \"note\": " << JsonString(note);
       std::cout << "}";
     } else {
-      std::cout << row << '\t' << e.extension << '\t' << e.description << '\t' << e.maxBits
-                << '\t' << e.caps << '\t' << enabled << "\tread:" << yesNo(read)
+      std::cout << row << '\t' << e.extension << '\t' << e.description << '\t' << e.maxBits << '\t'
+                << e.caps << '\t' << enabled << "\tread:" << yesNo(read)
                 << "\twrite:" << yesNo(write);
       if (const std::string_view note = RowNote(e.extension); !note.empty())
         std::cout << "\tnote: " << note;
@@ -57,8 +57,10 @@ int RunFormats(Context& ctx) {
 
 Command SetupFormats(CLI::App& parent, Context& ctx) {
   Command c;
-  c.app = parent.add_subcommand("formats", "List the format table: row, extension, description, "
-                                           "maxBits, caps, enabled, read, write, and a note where a row needs one");
+  c.app = parent.add_subcommand(
+      "formats",
+      "List the format table: row, extension, description, "
+      "maxBits, caps, enabled, read, write, and a note where a row needs one");
   c.run = [&ctx]() { return RunFormats(ctx); };
   return c;
 }

@@ -43,9 +43,9 @@ struct ColourModel {
 };
 
 constexpr ColourModel kModels[] = {
-    {1, 24, "RGB 24 bits"},       {3, 24, "CMYK 32 bits"},   {5, 8, "grey 8 bits"},
-    {6, 1, "black and white"},    {10, 8, "256 colours"},     {11, 24, "Lab 24 bits"},
-    {12, 24, "RGB 48 bits"},      {14, 24, "grey 16 bits"},
+    {1, 24, "RGB 24 bits"},    {3, 24, "CMYK 32 bits"},  {5, 8, "grey 8 bits"},
+    {6, 1, "black and white"}, {10, 8, "256 colours"},   {11, 24, "Lab 24 bits"},
+    {12, 24, "RGB 48 bits"},   {14, 24, "grey 16 bits"},
 };
 
 const ColourModel* ModelOf(uint32_t code) {
@@ -104,7 +104,8 @@ int CptInfo(ImageInfo& info, const std::string& path, int purpose) {
     case Kind::kTiled:
       if (n < sizeof h) return kCorruptedFile;
       return TiledInfo(info, in, h);
-    default: return kCorruptedFile;
+    default:
+      return kCorruptedFile;
   }
 }
 
@@ -115,9 +116,12 @@ int CptRead(ImageInfo& info, const std::string& path) {
   const size_t n = in.Read(h, sizeof h);
   in.Close();
   switch (KindOf(h, n)) {
-    case Kind::kTiff: return TiffRead(info, path);
-    case Kind::kTiled: return kUnsupportedFunction;
-    default: return kCorruptedFile;
+    case Kind::kTiff:
+      return TiffRead(info, path);
+    case Kind::kTiled:
+      return kUnsupportedFunction;
+    default:
+      return kCorruptedFile;
   }
 }
 

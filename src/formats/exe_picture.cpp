@@ -37,8 +37,7 @@ uint64_t DosImageEnd(const uint8_t* mz) {
   const uint64_t pages = LoadLe16(mz + kMzPages);
   const uint64_t last = LoadLe16(mz + kMzLastPage);
   if (pages == 0) return 0;
-  return last == 0 || last >= kPageBytes ? pages * kPageBytes
-                                         : (pages - 1) * kPageBytes + last;
+  return last == 0 || last >= kPageBytes ? pages * kPageBytes : (pages - 1) * kPageBytes + last;
 }
 
 // Where the data of the last PE section ends, or 0 when there is no PE image.
@@ -82,9 +81,12 @@ struct Handlers {
 
 Handlers HandlersOf(EmbeddedKind kind) {
   switch (kind) {
-    case EmbeddedKind::kPcx: return {PcxInfo, PcxRead, "PCX"};
-    case EmbeddedKind::kGif: return {GifInfo, GifRead, "GIF"};
-    default: return {BmpInfo, BmpRead, "BMP"};
+    case EmbeddedKind::kPcx:
+      return {PcxInfo, PcxRead, "PCX"};
+    case EmbeddedKind::kGif:
+      return {GifInfo, GifRead, "GIF"};
+    default:
+      return {BmpInfo, BmpRead, "BMP"};
   }
 }
 
@@ -128,13 +130,13 @@ int ExeInfo(ImageInfo& info, const std::string& path, int purpose) {
   if (code != kOk) return code;
   // Whatever the picture's own format allows, no picture here packs more than 4096 bytes into one
   // (a GIF code stands for at most 4096 pixels): a header declaring more is damaged.
-  if (!FileCouldHold(wholeBytes - found.offset, 0,
-                     PackedPictureBytes(info.width, static_cast<uint64_t>(std::max(info.depth, 0)),
-                                        info.bits),
-                     kBestRatio))
+  if (!FileCouldHold(
+          wholeBytes - found.offset, 0,
+          PackedPictureBytes(info.width, static_cast<uint64_t>(std::max(info.depth, 0)), info.bits),
+          kBestRatio))
     return kCorruptedFile;
-  std::string description = std::string(h.name) + " picture at byte " +
-                            std::to_string(found.offset);
+  std::string description =
+      std::string(h.name) + " picture at byte " + std::to_string(found.offset);
   if (!info.description.empty()) description += ", " + info.description;
   SetText(info.description, description, kMaxDescriptionLength);
   return kOk;

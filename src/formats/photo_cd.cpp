@@ -48,9 +48,12 @@ constexpr std::string_view kKindNames[3] = {"RGB", "256 colours", "256 greys"};
 const PcdResolution& StoredFor(uint32_t size) {
   switch (size) {
     case 0:
-    case 1: return kPcdBase16;
-    case 2: return kPcdBase4;
-    default: return kPcdBase;
+    case 1:
+      return kPcdBase16;
+    case 2:
+      return kPcdBase4;
+    default:
+      return kPcdBase;
   }
 }
 
@@ -99,8 +102,7 @@ inline uint8_t Limit(int32_t fixed) {
 // The rows of the turned picture, made from the samples on demand.
 class TurnedRows {
  public:
-  TurnedRows(const PcdPlanes& planes, uint32_t turn)
-      : p_(planes), turn_(turn), t_(Tables()) {}
+  TurnedRows(const PcdPlanes& planes, uint32_t turn) : p_(planes), turn_(turn), t_(Tables()) {}
 
   uint32_t Width() const { return turn_ & 1 ? p_.height : p_.width; }
   uint32_t Depth() const { return turn_ & 1 ? p_.width : p_.height; }
@@ -136,10 +138,22 @@ class TurnedRows {
   // top right corner to the top left; clockwise the bottom left.
   void Source(uint32_t x, uint32_t y, uint32_t& sx, uint32_t& sy) const {
     switch (turn_) {
-      case 1: sx = p_.width - 1 - y; sy = x; break;
-      case 2: sx = p_.width - 1 - x; sy = p_.height - 1 - y; break;
-      case 3: sx = y; sy = p_.height - 1 - x; break;
-      default: sx = x; sy = y; break;
+      case 1:
+        sx = p_.width - 1 - y;
+        sy = x;
+        break;
+      case 2:
+        sx = p_.width - 1 - x;
+        sy = p_.height - 1 - y;
+        break;
+      case 3:
+        sx = y;
+        sy = p_.height - 1 - x;
+        break;
+      default:
+        sx = x;
+        sy = y;
+        break;
     }
   }
 
@@ -170,8 +184,10 @@ int DeliverRows(ImageInfo& info, const TurnedRows& rows, Kind kind) {
   }
   std::vector<uint8_t> row(static_cast<size_t>(WorkingRowSize(width, kind == kRgb ? 24 : 8)));
   for (int32_t y = 0; y < depth; ++y) {
-    if (kind == kRgb) rows.Rgb(y, row.data());
-    else rows.Grey(y, row.data());
+    if (kind == kRgb)
+      rows.Rgb(y, row.data());
+    else
+      rows.Grey(y, row.data());
     if (info.putLine(row, y) != 0) return kCancelled;
   }
   return kOk;

@@ -70,9 +70,10 @@ class TextLines {
   // A UTF-8 lead byte and the continuation bytes that follow it make one character; a byte that
   // does not continue it is kept for the next cell.
   void SkipContinuation(int lead) {
-    const int more = lead >= 0xF0 && lead <= 0xF4 ? 3 : lead >= 0xE0 && lead <= 0xEF ? 2
-                     : lead >= 0xC2 && lead <= 0xDF                               ? 1
-                                                                                  : 0;
+    const int more = lead >= 0xF0 && lead <= 0xF4   ? 3
+                     : lead >= 0xE0 && lead <= 0xEF ? 2
+                     : lead >= 0xC2 && lead <= 0xDF ? 1
+                                                    : 0;
     for (int i = 0; i < more; ++i) {
       const int c = Get();
       if (c < 0x80 || c > 0xBF) {
@@ -143,8 +144,8 @@ int TextRead(ImageInfo& info, const std::string& path) {
         // Each cell is eight pixels wide: one byte of the row.
         for (size_t i = 0; i < used; ++i) row[i] = TextGlyph(cells[i])[r] ^ flip;
         std::fill(row.begin() + static_cast<ptrdiff_t>(used), row.begin() + columns, flip);
-        if (info.putLine(row, line * static_cast<int32_t>(kGlyphHeight) +
-                                  static_cast<int32_t>(r)) != 0)
+        if (info.putLine(row,
+                         line * static_cast<int32_t>(kGlyphHeight) + static_cast<int32_t>(r)) != 0)
           return kCancelled;
       }
     }

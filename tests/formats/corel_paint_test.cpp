@@ -18,8 +18,7 @@ std::string TiledFile(char version, uint32_t model, uint32_t width, uint32_t hei
   std::string f = std::string("CPT") + version + "FILE" + Le(model, 4) + std::string(0x1C, '\0') +
                   Le(1, 4) + Le(0x10000, 4) + Le(0x9400, 4) + Le(0x13C, 4);
   f.resize(0x13C, '\0');
-  f += Le(0x144, 4) + Le(0, 4) + Le(width, 4) + Le(height, 4) + Le(64, 4) + Le(64, 4) +
-       Le(24, 4);
+  f += Le(0x144, 4) + Le(0, 4) + Le(width, 4) + Le(height, 4) + Le(64, 4) + Le(64, 4) + Le(24, 4);
   f.resize(length, '\0');
   return f;
 }
@@ -32,8 +31,7 @@ TEST(CorelPaint, TiffFilesOfVersionSixReadAsTiff) {
   ASSERT_EQ(d.readCode, kOk);
   EXPECT_EQ(d.info.description.rfind("PHOTO-PAINT 6 (TIFF)", 0), 0u) << d.info.description;
   for (int32_t y = 0; y < p.depth; ++y)
-    for (uint32_t x = 0; x < p.width; ++x)
-      ASSERT_EQ(d.info.palette[d.Pixel(x, y)], p.Colour(x, y));
+    for (uint32_t x = 0; x < p.width; ++x) ASSERT_EQ(d.info.palette[d.Pixel(x, y)], p.Colour(x, y));
 }
 
 TEST(CorelPaint, LaterVersionsAreDescribedButNotRead) {
@@ -49,7 +47,8 @@ TEST(CorelPaint, LaterVersionsAreDescribedButNotRead) {
                         {'9', 3, 24, "PHOTO-PAINT 9, CMYK 32 bits, tiles not read"}};
   test::TempDir dir;
   for (const Case& c : cases) {
-    const test::Decoded d = test::DecodeBytes(dir, "p.cpt", TiledFile(c.version, c.model, 300, 200));
+    const test::Decoded d =
+        test::DecodeBytes(dir, "p.cpt", TiledFile(c.version, c.model, 300, 200));
     ASSERT_EQ(d.infoCode, kOk) << c.description;
     EXPECT_EQ(std::tuple(d.info.width, d.info.depth, d.info.bits), std::tuple(300u, 200, c.bits));
     EXPECT_EQ(d.info.description, c.description);

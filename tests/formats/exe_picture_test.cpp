@@ -28,8 +28,8 @@ std::string WindowsProgram(uint32_t end) {
   std::string p = DosProgram(128, 128);
   std::string pe = "PE" + std::string(2, '\0') + Le(0x14C, 2) + Le(2, 2) + std::string(12, '\0') +
                    Le(0, 2) + Le(0, 2);
-  for (uint32_t start : {512u, end - 256}) pe += std::string(16, 'S') + Le(256, 4) + Le(start, 4) +
-                                                 std::string(16, '\0');
+  for (uint32_t start : {512u, end - 256})
+    pe += std::string(16, 'S') + Le(256, 4) + Le(start, 4) + std::string(16, '\0');
   p += pe;
   p.resize(end, '\x90');
   return p;
@@ -77,8 +77,8 @@ TEST(ExePicture, ProgramsWithoutAPictureAndDamagedOnes) {
   ASSERT_EQ(test::WritePicture(picture, dir / "p.pcx"), kOk);
   const std::string pcx = test::ReadFileBytes(dir / "p.pcx");
   // A BMP header declaring 65535 x 65535 at 24 bits in a stretch of some 200 bytes.
-  const std::string hugeBmp = "BM" + std::string(12, '\0') + Le(40, 4) + Le(65535, 4) + Le(65535, 4) +
-                              Le(1, 2) + Le(24, 2) + std::string(160, '\0');
+  const std::string hugeBmp = "BM" + std::string(12, '\0') + Le(40, 4) + Le(65535, 4) +
+                              Le(65535, 4) + Le(1, 2) + Le(24, 2) + std::string(160, '\0');
   struct Case {
     const char* what;
     std::string file;

@@ -53,9 +53,9 @@ TEST(PhotoCd, EverySizeAndKindReadsItsStoredSamples) {
     int32_t depth;
     uint32_t bits;
   };
-  const Case cases[] = {{kRgb + kBase16, 192, 128, 24},  {kRgb + kBase4, 384, 256, 24},
-                        {kRgb + kBase, 768, 512, 24},    {kGreys + kBase4, 384, 256, 8},
-                        {kRgb + kBase64, 96, 64, 24},    {kGreys + kBase64, 96, 64, 8}};
+  const Case cases[] = {{kRgb + kBase16, 192, 128, 24}, {kRgb + kBase4, 384, 256, 24},
+                        {kRgb + kBase, 768, 512, 24},   {kGreys + kBase4, 384, 256, 8},
+                        {kRgb + kBase64, 96, 64, 24},   {kGreys + kBase64, 96, 64, 8}};
   test::TempDir dir;
   const std::string file = PhotoCdPack(PcdGradient);
   for (const Case& c : cases) {

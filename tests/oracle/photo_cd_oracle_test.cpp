@@ -36,8 +36,8 @@ TEST(PhotoCdOracle, FfmpegSeesTheSamplesPixmillConverts) {
     int32_t setting;
     uint32_t width, height;
   };
-  for (const Case c : {Case{4, kRgbBase16, 192, 128}, Case{3, kRgbBase4, 384, 256},
-                       Case{2, kRgbBase, 768, 512}}) {
+  for (const Case c :
+       {Case{4, kRgbBase16, 192, 128}, Case{3, kRgbBase4, 384, 256}, Case{2, kRgbBase, 768, 512}}) {
     SCOPED_TRACE(c.width);
     ASSERT_TRUE(test::RunIn(dir.path(), "ffmpeg -loglevel error -lowres " +
                                             std::to_string(c.lowres) +
@@ -52,9 +52,9 @@ TEST(PhotoCdOracle, FfmpegSeesTheSamplesPixmillConverts) {
     for (uint32_t y = 0; y < c.height; ++y)
       for (uint32_t x = 0; x < c.width; ++x) {
         const size_t chroma = size_t{y / 2} * (c.width / 2) + x / 2;
-        const Rgb want = PhotoYccToRgb(at(size_t{y} * c.width + x),
-                                       uint8_t(at(lumaBytes + chroma) + 28),
-                                       uint8_t(at(lumaBytes + lumaBytes / 4 + chroma) + 9));
+        const Rgb want =
+            PhotoYccToRgb(at(size_t{y} * c.width + x), uint8_t(at(lumaBytes + chroma) + 28),
+                          uint8_t(at(lumaBytes + lumaBytes / 4 + chroma) + 9));
         ASSERT_EQ(p.Colour(x, int32_t(y)), want) << x << "," << y;
       }
   }
