@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <map>
-
 #include "config/settings.h"
 #include "core/error_codes.h"
 #include "support/decoded.h"
@@ -121,16 +119,11 @@ TEST(PhotoCd, TwoHundredFiftySixColoursKeepAFewColoursExactly) {
   const test::Decoded d = Decode(dir, PhotoCdPack(blocks), kColours + kBase4);
   ASSERT_EQ(d.readCode, kOk);
   EXPECT_EQ(d.info.bits, 8u);
-  std::map<uint32_t, Rgb> seen;
   for (int32_t y = 0; y < d.info.depth; y += 5)
-    for (uint32_t x = 0; x < d.info.width; x += 5) {
-      const uint32_t block = (x * 2 / 384) + 2 * (uint32_t(y) * 3 / 384);
-      const Rgb want = PhotoYccToRgb(blocks(0, x, y, 384), blocks(1, x / 2, y / 2, 192),
-                                     blocks(2, x / 2, y / 2, 192));
-      ASSERT_EQ(Colour(d, x, y), want) << x << "," << y;
-      seen[block] = want;
-    }
-  EXPECT_EQ(seen.size(), 4u);
+    for (uint32_t x = 0; x < d.info.width; x += 5)
+      ASSERT_EQ(Colour(d, x, y), PhotoYccToRgb(blocks(0, x, y, 384), blocks(1, x / 2, y / 2, 192),
+                                               blocks(2, x / 2, y / 2, 192)))
+          << x << "," << y;
 }
 
 TEST(PhotoCd, RefusalsAndDamagedPacks) {
