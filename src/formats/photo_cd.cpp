@@ -213,6 +213,20 @@ int PcdInfo(ImageInfo& info, const std::string& path, int purpose) {
   uint32_t turn = 0;
   if (int code = OpenPack(in, turn)) return code;
   Choice choice = ChoiceOf(CurrentSettings().PhotoCDResolution);
+  // Every size doubles the one before it, from Base/64's 96 x 64.
+  uint32_t width = 96u << choice.size;
+  uint32_t height = 64u << choice.size;
+  info.fullWidth = 0;
+  info.fullDepth = 0;
+  if (purpose == 1 && choice.size > 1) {
+    // A thumbnail is made from Base/16, whatever size is chosen: it is larger than any
+    // thumbnail and read at once.
+    info.fullWidth = turn & 1 ? height : width;
+    info.fullDepth = static_cast<int32_t>(turn & 1 ? width : height);
+    choice.size = 1;
+    width = kPcdBase16.width;
+    height = kPcdBase16.height;
+  }
   std::string description = "Photo CD " + std::string(kSizeNames[choice.size]);
   if (choice.size > kLargestStoredSize) {
     SetText(info.description, description + " (coded differences, not read)",
@@ -221,21 +235,7 @@ int PcdInfo(ImageInfo& info, const std::string& path, int purpose) {
   }
   // The pack holds its pictures at fixed places: one that ends before the chosen picture does is
   // cut short.
-  const PcdResolution& stored = StoredFor(choice.size);
-  if (in.Size() < PcdEndOf(stored)) return kCorruptedFile;
-
-  uint32_t width = choice.size == 0 ? stored.width / 2 : stored.width;
-  uint32_t height = choice.size == 0 ? stored.height / 2 : stored.height;
-  info.fullWidth = 0;
-  info.fullDepth = 0;
-  if (purpose == 1 && choice.size > 1) {
-    // A thumbnail is made from Base/16: it is larger than any thumbnail and read at once.
-    info.fullWidth = turn & 1 ? height : width;
-    info.fullDepth = static_cast<int32_t>(turn & 1 ? width : height);
-    choice.size = 1;
-    width = kPcdBase16.width;
-    height = kPcdBase16.height;
-  }
+  if (in.Size() < PcdEndOf(StoredFor(choice.size))) return kCorruptedFile;
   info.width = turn & 1 ? height : width;
   info.depth = static_cast<int32_t>(turn & 1 ? width : height);
   info.bits = choice.kind == kRgb ? 24 : 8;

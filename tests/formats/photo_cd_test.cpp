@@ -150,11 +150,15 @@ TEST(PhotoCd, RefusalsAndDamagedPacks) {
   for (const Case& c : cases)
     EXPECT_EQ(Decode(dir, c.file, c.setting).infoCode, c.infoCode) << c.what;
 
-  // A pack cut after info was taken fails on reading.
+  // Thumbnails are made from Base/16 whatever the size, 4Base included.
   ScopedSettings settings;
-  settings->PhotoCDResolution = kRgb + kBase;
+  settings->PhotoCDResolution = kRgb + 4;
   test::WriteFileBytes(dir / "c.pcd", good);
   ImageInfo info;
+  ASSERT_EQ(PcdInfo(info, dir / "c.pcd", 1), kOk);
+  EXPECT_EQ(std::tuple(info.width, info.fullWidth, info.fullDepth), std::tuple(192u, 1536u, 1024));
+  // A pack cut after info was taken fails on reading.
+  settings->PhotoCDResolution = kRgb + kBase;
   ASSERT_EQ(PcdInfo(info, dir / "c.pcd", 0), kOk);
   test::WriteFileBytes(dir / "c.pcd", good.substr(0, good.size() - 4096));
   info.putLine = [](std::span<uint8_t>, int32_t) { return 0; };
