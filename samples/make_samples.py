@@ -489,6 +489,86 @@ def windows_samples():
     pe_library('wheels.dll', library_resources())
     ne_library('wheels.vbx', library_resources())
     cdr('wheel.cdr')
+def wheel_at(x, y, w, h):
+    """The colour wheel of rgb_at drawn at any size, for pictures larger than the bitmaps."""
+    cx, cy = x - w / 2 + 0.5, y - h / 2 + 0.5
+    r = math.hypot(cx, cy) / (h / 2)
+    if r > 1:
+        g = int(255 * y / (h - 1))
+        return g, g, g
+    hue = (math.atan2(cy, cx) / (2 * math.pi)) % 1.0
+    i, f = int(hue * 6), hue * 6 - int(hue * 6)
+    q, t = int(255 * (1 - f)), int(255 * f)
+    return [(255, t, 0), (q, 255, 0), (0, 255, t), (0, q, 255), (t, 0, 255), (255, 0, q)][i % 6]
+
+
+def photo_ycc(rgb):
+    """8-bit PhotoYCC of a display RGB colour: luma scaled by 255 / 1.402, the chroma around 156
+    and 137."""
+    r, g, b = (v / 255 for v in rgb)
+    luma = 0.299 * r + 0.587 * g + 0.114 * b
+    clamp = lambda v: max(0, min(255, int(round(v))))
+    return clamp(255 / 1.402 * luma), clamp(111.40 * (b - luma) + 156), clamp(135.64 * (r - luma) + 137)
+
+
+def photo_cd(name):
+    """A Photo CD image pack of the wheel: the signature sector, and Base/16, Base/4 and Base at
+    their sectors, each pair of luma rows followed by a row of each chroma plane (averaged over
+    squares of four)."""
+    sector = 2048
+    out = bytearray(96 * sector + 768 * 512 * 3 // 2)
+    out[0x800:0x807] = b'PCD_IPI'
+    for w, h, first in ((192, 128, 4), (384, 256, 23), (768, 512, 96)):
+        ycc = [[photo_ycc(wheel_at(x, y, w, h)) for x in range(w)] for y in range(h)]
+        at = first * sector
+        for y in range(0, h, 2):
+            for row in (ycc[y], ycc[y + 1]):
+                out[at:at + w] = bytes(p[0] for p in row)
+                at += w
+            for plane in (1, 2):
+                for x in range(0, w, 2):
+                    out[at] = (ycc[y][x][plane] + ycc[y][x + 1][plane] + ycc[y + 1][x][plane] +
+                               ycc[y + 1][x + 1][plane] + 2) // 4
+                    at += 1
+
+
+def text(name):
+    lines = ['Pixmill reads text files as pictures of their text.',
+             '',
+             '\tTabs stop every eight columns;',
+             '\tcharacters the font lacks (caf\u00e9, \u00fcber) show as boxes.',
+             '',
+             '  0123456789 !"#$%&\'()*+,-./:;<=>?@[\\]^_`{|}~',
+             '  ABCDEFGHIJKLMNOPQRSTUVWXYZ abcdefghijklmnopqrstuvwxyz']
+        f.write('\r\n'.join(lines).encode('utf-8') + b'\r\n')
+
+
+def self_displaying(name, picture):
+    """A DOS program that says it is a picture and ends, with a bitmap stored after it."""
+    message = b'This file holds a picture after its program.\r\n$'
+    # push cs, pop ds, mov dx message, mov ah 9, int 21h, mov ax 4C00h, int 21h
+    code = bytes((0x0E, 0x1F, 0xBA, 14, 0, 0xB4, 0x09, 0xCD, 0x21, 0xB8, 0x00, 0x4C, 0xCD, 0x21))
+    body = code + message
+    size = 32 + len(body)
+    header = struct.pack('<2sHHHHHHHHHHHH', b'MZ', size % 512, (size + 511) // 512, 0, 2, 0,
+                         0xFFFF, 0, 0x100, 0, 0, 0, 0x1C) + b'\0' * 6
+    with open(os.path.join(HERE, picture), 'rb') as f:
+        pic = f.read()
+        f.write(header + body + pic)
+
+
+def photo_paint6(name):
+    """A PHOTO-PAINT 6 file, which is a TIFF: the wheel as uncompressed RGB in one strip."""
+    data = b''.join(bytes(wheel_at(x, y, W, H)) for y in range(H) for x in range(W))
+    entries = [(256, 3, 1, W), (257, 3, 1, H), (258, 3, 3, 8 + 2 + 12 * 10 + 4),
+               (259, 3, 1, 1), (262, 3, 1, 2), (273, 4, 1, 8 + 2 + 12 * 10 + 4 + 6),
+               (277, 3, 1, 3), (278, 3, 1, H), (279, 4, 1, len(data)), (284, 3, 1, 1)]
+    ifd = struct.pack('<H', len(entries))
+    for tag, kind, count, value in entries:
+        ifd += struct.pack('<HHI', tag, kind, count)
+        ifd += struct.pack('<HH', value, 0) if kind == 3 and count == 1 else struct.pack('<I', value)
+    out = b'II*\0' + struct.pack('<I', 8) + ifd + struct.pack('<I', 0) + struct.pack('<HHH', 8, 8, 8)
+        f.write(out + data)
 
 
 if __name__ == '__main__':
@@ -511,3 +591,7 @@ if __name__ == '__main__':
     halo('wheel-8bit.cut')
     wpg('wheel-8bit.wpg')
     windows_samples()
+    photo_cd('wheel.pcd')
+    text('poem.txt')
+    self_displaying('wheel-viewer.exe', 'wheel-8bit.bmp')
+    photo_paint6('wheel-photopaint6.cpt')

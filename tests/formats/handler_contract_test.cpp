@@ -11,6 +11,7 @@
 #include "formats/format_table.h"
 #include "support/decoded.h"
 #include "support/icon_files.h"
+#include "support/photo_cd_builder.h"
 #include "support/picture_files.h"
 #include "support/temp_dir.h"
 
@@ -24,7 +25,8 @@ const FormatEntry& Row(const std::string& ext) {
 TEST(Handlers, MissingFilesAreOpenErrors) {
   test::TempDir dir;
   for (const char* ext : {"bmp", "bga", "pcx", "gif", "tif", "tga", "jpg", "iff", "ras", "fit",
-                          "png", "uue", "pic", "cut", "wpg", "rle", "ico", "dll", "vbx", "cdr"}) {
+                          "png", "uue", "pic", "cut", "wpg", "rle", "ico", "dll", "vbx", "cdr",
+                          "pcd", "txt", "exe", "cpt"}) {
     ImageInfo info;
     const std::string path = dir / (std::string("missing.") + ext);
     EXPECT_EQ(Row(ext).info(info, path, 0), kOpenError) << ext;
@@ -233,6 +235,36 @@ TEST(Handlers, ASinkThatAnswersOneStopsTheReaderAtOnce) {
   EXPECT_EQ(test::DecodeFile(dir / "s.bmp", 2).order, (std::vector<int32_t>{4, 3}));
   EXPECT_EQ(test::DecodeFile(dir / "s.pic", 2).order, (std::vector<int32_t>{4, 3}));
   EXPECT_EQ(test::DecodeFile(dir / "s.jpg", 2).order, (std::vector<int32_t>{0, 1}));
+}
+
+TEST(Handlers, ReadOnlyRowsStartTheRecordAndStopWithTheSink) {
+  // Rows without a writer get their files assembled here: a Photo CD pack, a text, a program
+  // with a PCX picture after it, a PHOTO-PAINT 6 file (a TIFF).
+  test::TempDir dir;
+  ASSERT_EQ(test::WritePicture(test::Pattern(9, 40, 8), dir / "p.pcx"), kOk);
+  ASSERT_EQ(test::WritePicture(test::Pattern(9, 40, 8), dir / "p.tif"), kOk);
+  std::string program(512, '\x90');
+  program.replace(0, 6, std::string("MZ\0\0\1\0", 6));
+  const std::pair<const char*, std::string> files[] = {
+      {"pcd", test::PhotoCdPack(test::PcdGradient)},
+      {"txt", "one\ntwo\nthree\n"},
+      {"exe", program + test::ReadFileBytes(dir / "p.pcx")},
+      {"cpt", test::ReadFileBytes(dir / "p.tif")}};
+  for (const auto& [ext, bytes] : files) {
+    const std::string name = std::string("Rec.") + ext;
+    test::WriteFileBytes(dir / name, bytes);
+    ImageInfo info;
+    info.fileName = "stale";
+    info.background = 9;
+    ASSERT_EQ(Row(ext).info(info, dir / name, 0), kOk) << ext;
+    EXPECT_EQ(info.fileName, name);
+    EXPECT_EQ(info.background, 0u) << ext;
+    EXPECT_EQ(info.fileSize, int32_t(bytes.size())) << ext;
+    EXPECT_FALSE(CanWrite(Row(ext))) << ext;
+    const test::Decoded d = test::DecodeFile(dir / name, 2);
+    EXPECT_EQ(d.readCode, kCancelled) << ext;
+    EXPECT_EQ(d.order, (std::vector<int32_t>{0, 1})) << ext;
+  }
 }
 
 TEST(Handlers, AStoppedWriterLeavesNoFileAndAFileThatCannotBeMadeIsACreateError) {
