@@ -156,6 +156,10 @@ uint32_t EncodeCatalogOptions(const CatalogLayout& layout, uint32_t previous) {
   return word;
 }
 
+bool LayoutCatalog(const CatalogLayout& layout, PageGrid& grid) {
+  return LayoutGrid(SpecOf(layout), grid);
+}
+
 std::string CatalogPageName(uint32_t number, const FormatEntry& destination) {
   const std::string extension = ToLowerAscii(destination.extension);
   if (extension.empty()) return FormatText("CAT%-5.5u", number);
@@ -186,7 +190,7 @@ int MakeCatalog(Host& host, std::span<const std::string> files, const CatalogReq
     if (!table[static_cast<size_t>(request.destRow)].write) return kUnsupportedFunction;
   }
   PageGrid grid;
-  if (!LayoutGrid(SpecOf(request.layout), grid)) return kUnsuitableImage;
+  if (!LayoutCatalog(request.layout, grid)) return kUnsuitableImage;
   const size_t perPage = grid.cells.size();
 
   int first = kOk;

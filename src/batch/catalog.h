@@ -9,6 +9,7 @@
 #include "batch/file_walk.h"
 #include "batch/operation.h"
 #include "core/host.h"
+#include "process/page_layout.h"
 #include "thumbs/thumbnail_record.h"
 
 // Catalog pages: the thumbnails of many files, a grid of them to a page, with their names and
@@ -45,6 +46,10 @@ CatalogLayout DecodeCatalogOptions(uint32_t word);
 // The word for `layout`, keeping the spare bits of `previous`; counts and page sides are held
 // to what the word can say (the page rounded to whole units).
 uint32_t EncodeCatalogOptions(const CatalogLayout& layout, uint32_t previous);
+
+// The grid of a catalog page with `layout`: thumbnail boxes of 96 x 96 with their caption lines.
+// False when the page is too small for it.
+bool LayoutCatalog(const CatalogLayout& layout, PageGrid& grid);
 
 // The name of page `number` (from 1) in the destination's format: "CAT00001.gif"; "CAT00001"
 // for a row without an extension (pages on their way to the printer).

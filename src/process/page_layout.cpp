@@ -108,8 +108,24 @@ PrintPlacement PlacePrint(const PrintRequest& request) {
                          Scale(request.picture.depth, request.dpiY, std::max(request.ppiY, 1u))};
   PageRect area = page;
   area.depth = page.depth > captionDepth + gap ? page.depth - captionDepth - gap : 0;
-  const PageSize size =
-      request.fitToPage ? FitSize(natural.width, natural.depth, {area.width, area.depth}) : natural;
+  // Fitted, the shape comes from the unrounded sizes: pixels × dots per inch / pixels per inch
+  // on each side, both brought over the common denominator ppiX × ppiY.
+  PageSize size = natural;
+  if (request.fitToPage) {
+    uint64_t across = request.picture.width;
+    uint64_t down = request.picture.depth;
+    uint64_t dpiX = request.dpiX;
+    uint64_t dpiY = request.dpiY;
+    Tame(across, dpiX);
+    Tame(down, dpiY);
+    across *= dpiX;
+    down *= dpiY;
+    uint64_t ppiY = std::max(request.ppiY, 1u);
+    uint64_t ppiX = std::max(request.ppiX, 1u);
+    Tame(across, ppiY);
+    Tame(down, ppiX);
+    size = FitSize(across * ppiY, down * ppiX, {area.width, area.depth});
+  }
   p.picture = PlaceInBox(area, size, request.centre);
 
   if (!p.captionText.empty()) {
