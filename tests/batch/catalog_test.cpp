@@ -14,8 +14,8 @@
 #include "core/fixed_palette.h"
 #include "core/scripted_host.h"
 #include "core/sinks.h"
-#include "core/strings.h"
 #include "core/sources.h"
+#include "core/strings.h"
 #include "formats/format_table.h"
 #include "process/dither.h"
 #include "support/picture_files.h"
@@ -132,6 +132,24 @@ TEST_F(CatalogTest, EachCellShowsTheThumbnailRecordThroughTheFixedPalette) {
         ink |= page.Colour(static_cast<uint32_t>(x), static_cast<int32_t>(y)) == Rgb{};
     EXPECT_EQ(ink, i < named.size()) << "cell " << i;
   }
+
+  // On its way to the printer the page is the same picture.
+  CatalogRequest request;
+  size_t pages = 0;
+  request.onPage = [&](ImageInfo& info, ImageStore& store, uint32_t number) {
+    EXPECT_EQ(number, 1u);
+    EXPECT_EQ(info.palette, ThumbGetPalette(0));
+    std::vector<uint8_t> row(store.bytesPerLine);
+    for (int32_t y = 0; y < info.depth; ++y) {
+      store.GetRowQuiet(row, y);
+      EXPECT_TRUE(std::equal(row.begin(), row.begin() + info.width,
+                             page.rows[static_cast<size_t>(y)].begin()));
+    }
+    ++pages;
+    return 0;
+  };
+  EXPECT_EQ(MakeCatalog(host, named, request), kCorruptedFile);
+  EXPECT_EQ(pages, 1u);
 }
 
 TEST_F(CatalogTest, OneBitDestinationsGetThePageDitheredAndNothingIsLeftWhenCancelled) {
