@@ -36,16 +36,16 @@ constexpr uint32_t kSideMask = 0x3FF;
 // Room between thumbnails, and from the outer ones to the page's edge (half of it).
 constexpr uint32_t kCellSpacing = 8;
 
-GridSpec SpecOf(const CatalogLayout& layout) {
-  GridSpec spec;
-  spec.columns = layout.columns;
-  spec.rows = layout.rows;
-  spec.page = {layout.pageWidth, layout.pageDepth};
-  spec.box = {kThumbSize, kThumbSize};
-  spec.captionLines = (layout.names ? 1u : 0u) + (layout.sizes ? 1u : 0u);
-  spec.lineHeight = kCaptionLineHeight;
-  spec.spacing = kCellSpacing;
-  return spec;
+GridRequest GridRequestOf(const CatalogLayout& layout) {
+  GridRequest want;
+  want.columns = layout.columns;
+  want.rows = layout.rows;
+  want.page = {layout.pageWidth, layout.pageDepth};
+  want.box = {kThumbSize, kThumbSize};
+  want.captionLines = (layout.names ? 1u : 0u) + (layout.sizes ? 1u : 0u);
+  want.lineHeight = kCaptionLineHeight;
+  want.spacing = kCellSpacing;
+  return want;
 }
 
 // Thumbnail paths keep only the picture's name, so pictures of one name with different
@@ -157,7 +157,7 @@ uint32_t EncodeCatalogOptions(const CatalogLayout& layout, uint32_t previous) {
 }
 
 bool LayoutCatalog(const CatalogLayout& layout, PageGrid& grid) {
-  return LayoutGrid(SpecOf(layout), grid);
+  return LayoutGrid(GridRequestOf(layout), grid);
 }
 
 std::string CatalogPageName(uint32_t number, const FormatEntry& destination) {

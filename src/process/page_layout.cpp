@@ -55,33 +55,33 @@ int64_t CaptionLeft(const PageRect& picture, uint64_t textWidth, uint64_t pageWi
   return std::max<int64_t>(left, 0);
 }
 
-bool LayoutGrid(const GridSpec& spec, PageGrid& grid) {
+bool LayoutGrid(const GridRequest& want, PageGrid& grid) {
   grid = {};
-  if (spec.columns == 0 || spec.rows == 0) return false;
+  if (want.columns == 0 || want.rows == 0) return false;
   const uint64_t contentDepth =
-      spec.box.depth + static_cast<uint64_t>(spec.captionLines) * spec.lineHeight;
-  const uint64_t needWidth = spec.box.width + spec.spacing;
-  const uint64_t needDepth = contentDepth + spec.spacing;
-  PageSize page = spec.page;
-  if (page.width == 0 || page.depth == 0) page = {needWidth * spec.columns, needDepth * spec.rows};
-  const uint64_t cellWidth = page.width / spec.columns;
-  const uint64_t cellDepth = page.depth / spec.rows;
+      want.box.depth + static_cast<uint64_t>(want.captionLines) * want.lineHeight;
+  const uint64_t needWidth = want.box.width + want.spacing;
+  const uint64_t needDepth = contentDepth + want.spacing;
+  PageSize page = want.page;
+  if (page.width == 0 || page.depth == 0) page = {needWidth * want.columns, needDepth * want.rows};
+  const uint64_t cellWidth = page.width / want.columns;
+  const uint64_t cellDepth = page.depth / want.rows;
   if (cellWidth < needWidth || cellDepth < needDepth) return false;
 
-  const auto left = static_cast<int64_t>((page.width - cellWidth * spec.columns) / 2);
-  const auto top = static_cast<int64_t>((page.depth - cellDepth * spec.rows) / 2);
+  const auto left = static_cast<int64_t>((page.width - cellWidth * want.columns) / 2);
+  const auto top = static_cast<int64_t>((page.depth - cellDepth * want.rows) / 2);
   grid.page = page;
-  grid.cells.reserve(static_cast<size_t>(spec.columns) * spec.rows);
-  for (uint32_t row = 0; row < spec.rows; ++row) {
-    for (uint32_t column = 0; column < spec.columns; ++column) {
+  grid.cells.reserve(static_cast<size_t>(want.columns) * want.rows);
+  for (uint32_t row = 0; row < want.rows; ++row) {
+    for (uint32_t column = 0; column < want.columns; ++column) {
       GridCell c;
       c.cell = {left + static_cast<int64_t>(column * cellWidth),
                 top + static_cast<int64_t>(row * cellDepth), cellWidth, cellDepth};
       // The box and its captions form one block, centred in the cell.
       const PageRect block = PlaceInBox(c.cell, {cellWidth, contentDepth}, true);
-      c.box = PlaceInBox({block.x, block.y, cellWidth, spec.box.depth}, spec.box, true);
-      c.caption = {c.cell.x + spec.spacing / 2, c.box.Bottom(), cellWidth - spec.spacing,
-                   contentDepth - spec.box.depth};
+      c.box = PlaceInBox({block.x, block.y, cellWidth, want.box.depth}, want.box, true);
+      c.caption = {c.cell.x + want.spacing / 2, c.box.Bottom(), cellWidth - want.spacing,
+                   contentDepth - want.box.depth};
       grid.cells.push_back(c);
     }
   }

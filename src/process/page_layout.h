@@ -38,7 +38,7 @@ PageRect PlaceInBox(const PageRect& box, PageSize size, bool centre);
 int64_t CaptionLeft(const PageRect& picture, uint64_t textWidth, uint64_t pageWidth);
 
 // A catalog page: `columns` × `rows` cells, each with a picture box and caption lines under it.
-struct GridSpec {
+struct GridRequest {
   uint32_t columns = 4;
   uint32_t rows = 5;
   PageSize page;              // {0, 0}: just big enough for the grid
@@ -62,7 +62,7 @@ struct PageGrid {
 // Lays the grid out: a page given with both sides is shared out evenly (the odd pixels go round
 // the grid), and must give every cell its box, captions and spacing. False, with nothing laid
 // out, when it cannot, or when there are no columns or rows.
-bool LayoutGrid(const GridSpec& spec, PageGrid& grid);
+bool LayoutGrid(const GridRequest& want, PageGrid& grid);
 
 // One picture on a printed page.
 struct PrintRequest {

@@ -58,7 +58,7 @@ TEST(PageLayout, PrintedPictureAndCaptionPlacement) {
 TEST(PageLayout, CatalogGrid) {
   struct Case {
     const char* what;
-    GridSpec spec;
+    GridRequest want;
     bool fits;
     PageSize page;
     size_t cell;
@@ -105,13 +105,13 @@ TEST(PageLayout, CatalogGrid) {
   };
   for (const Case& c : cases) {
     PageGrid grid;
-    ASSERT_EQ(LayoutGrid(c.spec, grid), c.fits) << c.what;
+    ASSERT_EQ(LayoutGrid(c.want, grid), c.fits) << c.what;
     if (!c.fits) {
       EXPECT_TRUE(grid.cells.empty()) << c.what;
       continue;
     }
     EXPECT_EQ(grid.page, c.page) << c.what;
-    ASSERT_EQ(grid.cells.size(), size_t{c.spec.columns} * c.spec.rows) << c.what;
+    ASSERT_EQ(grid.cells.size(), size_t{c.want.columns} * c.want.rows) << c.what;
     EXPECT_EQ(grid.cells[c.cell].box, c.box) << c.what;
     EXPECT_EQ(grid.cells[c.cell].caption, c.caption) << c.what;
   }
