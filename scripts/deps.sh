@@ -9,8 +9,7 @@ set -euo pipefail
 build=(build-essential cmake ninja-build pkg-config zlib1g-dev libpng-dev libjpeg62-turbo-dev
        libtiff-dev libcli11-dev libgtest-dev libgmock-dev)
 test=(imagemagick netpbm python3 python3-pil libjpeg-turbo-progs libtiff-tools sharutils gifsicle
-      ffmpeg graphicsmagick
-      icoutils)
+      ffmpeg graphicsmagick icoutils poppler-utils)
 bench=(graphicsmagick libvips-tools hyperfine time)
 fuzz=(clang libclang-rt-14-dev)
 

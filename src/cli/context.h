@@ -64,6 +64,7 @@ Command SetupDelete(CLI::App& parent, Context& ctx);
 Command SetupDither(CLI::App& parent, Context& ctx);
 Command SetupEffect(CLI::App& parent, Context& ctx);
 Command SetupThumbnail(CLI::App& parent, Context& ctx);
+Command SetupCatalog(CLI::App& parent, Context& ctx);
 
 // Runs `driver` over the files the way every batch command does, on --jobs threads: prints
 // "SOURCE -> OUTPUT" for each success (unless --quiet) or, with --json, one object per file,

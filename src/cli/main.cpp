@@ -67,7 +67,7 @@ void LoadSettings(Context& ctx) {
 }
 
 int Main(int argc, char** argv) {
-  CLI::App app{"Pixmill batch tool: runs one command over every picture file you name: info, convert, scale, crop, rotate and flip, negative, dither, effects, thumbnails, copy, move, rename, delete.", "pxm"};
+  CLI::App app{"Pixmill batch tool: runs one command over every picture file you name: info, convert, scale, crop, rotate and flip, negative, dither, effects, thumbnails, catalog pages, copy, move, rename, delete.", "pxm"};
   app.require_subcommand(1);
   app.footer(
       "Exit status: 0 when every file succeeded, else the error code (1-24) of the first file "
@@ -92,6 +92,7 @@ int Main(int argc, char** argv) {
       SetupDither,
       SetupEffect,
       SetupThumbnail,
+      SetupCatalog,
       SetupConfig,
   };
   std::vector<Command> commands;

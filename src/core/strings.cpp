@@ -57,6 +57,7 @@ constexpr Entry kEntries[] = {
     {132, "Posterizing %s"},
     {135, "Reading %s"},
     {136, "Writing %s"},
+    {137, "Printing %s"},
     {138, "Scaling %s"},
     {139, "Reversing %s"},
     {141, "No files are selected"},

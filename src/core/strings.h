@@ -24,6 +24,7 @@ enum StringId : int {
   kStrPosterizing = 132,
   kStrReading = 135,
   kStrWriting = 136,
+  kStrPrinting = 137,
   kStrScaling = 138,
   kStrReversing = 139,
   kStrNoFilesSelected = 141,

@@ -50,8 +50,9 @@ void StampSource(ThumbnailRecord& record, const std::string& path) {
   }
 }
 
-int Make(Host& host, ImageInfo& info, const std::string& path, std::string* written,
+int Make(Host& host, ImageInfo& info, const std::string& path, ThumbnailRecord& record, bool& made,
          std::span<const FormatEntry, kFormatCount> table) {
+  made = false;
   const int row = FindFormatIn(table, path);
   if (row < 0) return kUnsupportedFormat;
   const FormatEntry& entry = table[static_cast<size_t>(row)];
@@ -73,8 +74,8 @@ int Make(Host& host, ImageInfo& info, const std::string& path, std::string* writ
   host.SetStatus(MessageWithName(kStrReading, path));
   host.ReportProgress(0, 0);
   const int mode = WriteMode();
-  auto record = std::make_unique<ThumbnailRecord>();
-  ThumbnailSink sink(*record, source, mode);
+  record.Clear();
+  ThumbnailSink sink(record, source, mode);
   ImageStore progress(host);  // never created: it only counts rows and runs the abort check
   const uint64_t total = static_cast<uint64_t>(info.depth);
   info.putLine = [&](std::span<uint8_t> line, int32_t r) {
@@ -87,35 +88,50 @@ int Make(Host& host, ImageInfo& info, const std::string& path, std::string* writ
 
   info.sourceName = info.fileName;
   // A reader that delivered the picture reduced still records the picture's own size.
-  record->sourceWidth = info.fullWidth ? info.fullWidth : info.width;
-  record->sourceDepth = static_cast<uint32_t>(info.fullDepth ? info.fullDepth : info.depth);
-  record->sourceBits = info.bits;
-  record->mode = static_cast<uint32_t>(mode);
-  record->sourceName = info.sourceName.substr(0, kSourceNameBytes);
-  StampSource(*record, path);
-
-  const std::string target = ThumbnailFileOf(path);
-  if (!ThumbWriteThumbnail(*record, target)) return kCreateError;
-  if (written) *written = target;
+  record.sourceWidth = info.fullWidth ? info.fullWidth : info.width;
+  record.sourceDepth = static_cast<uint32_t>(info.fullDepth ? info.fullDepth : info.depth);
+  record.sourceBits = info.bits;
+  record.mode = static_cast<uint32_t>(mode);
+  record.sourceName = info.sourceName.substr(0, kSourceNameBytes);
+  StampSource(record, path);
+  made = true;
   return kOk;
 }
 
 }  // namespace
 
-int MakeThumbnail(Host& host, const std::string& path, std::string* written,
-                  std::span<const FormatEntry, kFormatCount> table) {
-  if (written) written->clear();
+int MakeThumbnailRecord(Host& host, const std::string& path, ThumbnailRecord& record, bool& made,
+                        std::span<const FormatEntry, kFormatCount> table) {
   ImageInfo info;
   info.host = &host;
   int code;
   try {
-    code = Make(host, info, path, written, table);
+    code = Make(host, info, path, record, made, table);
   } catch (const std::bad_alloc&) {
     code = kMemoryError;
   }
   info.putLine = nullptr;  // it points into the making, which is over
-  PostRead(info);  // a reader's own file goes whatever happened after it was made
+  PostRead(info);          // a reader's own file goes whatever happened after it was made
+  if (code != kOk) made = false;
   return code;
+}
+
+int MakeThumbnail(Host& host, const std::string& path, std::string* written,
+                  std::span<const FormatEntry, kFormatCount> table) {
+  if (written) written->clear();
+  std::unique_ptr<ThumbnailRecord> record;
+  try {
+    record = std::make_unique<ThumbnailRecord>();
+  } catch (const std::bad_alloc&) {
+    return kMemoryError;
+  }
+  bool made = false;
+  if (int code = MakeThumbnailRecord(host, path, *record, made, table)) return code;
+  if (!made) return kOk;
+  const std::string target = ThumbnailFileOf(path);
+  if (!ThumbWriteThumbnail(*record, target)) return kCreateError;
+  if (written) *written = target;
+  return kOk;
 }
 
 }  // namespace pxm

@@ -5,6 +5,7 @@
 
 #include "core/host.h"
 #include "formats/format_table.h"
+#include "thumbs/thumbnail_record.h"
 
 namespace pxm {
 
@@ -16,5 +17,10 @@ namespace pxm {
 // the answer is 0 and `written` stays empty. Otherwise `written` receives the thumbnail's path.
 int MakeThumbnail(Host& host, const std::string& path, std::string* written = nullptr,
                   std::span<const FormatEntry, kFormatCount> table = FormatTable());
+
+// The same making without the file: fills `record` and sets `made`. A row that gets no thumbnail
+// answers 0 with `made` false; any failure leaves `made` false.
+int MakeThumbnailRecord(Host& host, const std::string& path, ThumbnailRecord& record, bool& made,
+                        std::span<const FormatEntry, kFormatCount> table = FormatTable());
 
 }  // namespace pxm

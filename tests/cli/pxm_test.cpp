@@ -380,5 +380,21 @@ TEST_F(PxmTest, ThumbnailNamesEachThumbnailFile) {
   EXPECT_TRUE(std::filesystem::exists(dir / "CAT.THN"));
 }
 
+TEST_F(PxmTest, CatalogPlacesEachFileOnAPageInTheChosenLayout) {
+  for (const char* name : {"a.bmp", "b.bmp", "c.bmp"}) Picture(name, 24);
+  test::WriteFileBytes(dir / "d.bmp", "BM broken");
+  std::filesystem::create_directory(dir / "pages");
+  Result r = Pxm("catalog --to gif --columns 1 --rows 2 --captions name --page 120x260 "
+                 "--dest-dir pages a.bmp b.bmp d.bmp c.bmp");
+  EXPECT_EQ(r.status, 2);
+  EXPECT_EQ(r.Lines(), (std::vector<std::string>{"a.bmp -> pages/CAT00001.gif",
+                                                 "b.bmp -> pages/CAT00001.gif",
+                                                 "c.bmp -> pages/CAT00002.gif"}));
+  EXPECT_EQ(r.err, "d.bmp - Corrupted file\n");
+  EXPECT_EQ(Size("pages/CAT00002.gif"), (std::pair<uint32_t, int32_t>{120, 260}));
+  EXPECT_EQ(Pxm("catalog --to gif --page 100x100 a.bmp").status, 64) << "too small for 4 x 5";
+  EXPECT_EQ(Pxm("catalog --to gif --captions title a.bmp").status, 64);
+}
+
 }  // namespace
 }  // namespace pxm
