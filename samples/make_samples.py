@@ -161,6 +161,195 @@ def bga(name):
         f.write(out)
 
 
+def packbits(row):
+    """PackBits: runs of two or more equal bytes as 257 - n, the rest as literals."""
+    out, i, literal = bytearray(), 0, bytearray()
+    while i < len(row):
+        n = 1
+        while i + n < len(row) and row[i + n] == row[i] and n < 128:
+            n += 1
+        if n >= 2:
+            if literal:
+                out += bytes((len(literal) - 1,)) + literal
+                literal = bytearray()
+            out += bytes((257 - n, row[i]))
+        else:
+            literal.append(row[i])
+            if len(literal) == 128:
+                out += bytes((127,)) + literal
+                literal = bytearray()
+        i += n
+    if literal:
+        out += bytes((len(literal) - 1,)) + literal
+    return bytes(out)
+
+
+def mono_rows(set_is_white):
+    """The wheel in black and white, packed eight pixels a byte, most significant bit first."""
+    _, rows = index_rows(1)
+    return [pack([(v if set_is_white else 1 - v) for v in row], 1)[:(W + 7) // 8] for row in rows]
+
+
+def crc16(data):
+    crc = 0
+    for b in data:
+        crc ^= b << 8
+        for _ in range(8):
+            crc = ((crc << 1) ^ 0x1021 if crc & 0x8000 else crc << 1) & 0xFFFF
+    return crc
+
+
+def macpaint(name):
+    """A MacPaint page with the wheel at its top left, behind a MacBinary II header."""
+    rows = mono_rows(False)
+    data = bytearray(512)
+    for y in range(720):
+        row = (rows[y] if y < H else b'') + bytes(72 - (len(rows[y]) if y < H else 0))
+        data += packbits(row)
+    head = bytearray(128)
+    head[1] = len(name)
+    head[2:2 + len(name)] = name.encode()
+    head[65:73] = b'PNTGMPNT'
+    head[83:87] = struct.pack('>I', len(data))
+    head[122] = head[123] = 129
+    head[124:126] = struct.pack('>H', crc16(head[:124]))
+    with open(os.path.join(HERE, name), 'wb') as f:
+        f.write(bytes(head) + bytes(data) + bytes(-len(data) % 128))
+
+
+def msp(name):
+    """Microsoft Paint version 2: a map of row lengths, rows of runs (0, n, v) and literals."""
+    coded = []
+    for row in mono_rows(True):
+        out, i = bytearray(), 0
+        while i < len(row):
+            n = 1
+            while i + n < len(row) and row[i + n] == row[i] and n < 255:
+                n += 1
+            out += bytes((0, n, row[i])) if n >= 3 else bytes((n,)) + bytes(row[i:i + n])
+            i += n
+        coded.append(bytes(out))
+    words = [0x694C, 0x536E, W, H, 1, 1, 1, 1, W, H, 0, 0]
+    checksum = 0
+    for w in words:
+        checksum ^= w
+    head = struct.pack('<13H', *words, checksum) + bytes(6)
+    with open(os.path.join(HERE, name), 'wb') as f:
+        f.write(head + b''.join(struct.pack('<H', len(c)) for c in coded) + b''.join(coded))
+
+
+def pfs_art(name):
+    """PFS clip art: the edges of the picture, then rows padded to an even length."""
+    rows = [r + bytes(len(r) % 2) for r in mono_rows(True)]
+    with open(os.path.join(HERE, name), 'wb') as f:
+        f.write(struct.pack('<4H', 0, W, 0, H) + b''.join(rows))
+
+
+def sstv(name):
+    """SSTV: 256 x 240 pixels of six-bit red, green and blue, the wheel stretched to fill it."""
+    data = bytearray()
+    for y in range(240):
+        for x in range(256):
+            data += bytes(c >> 2 for c in rgb_at(x * W // 256, y * H // 240))
+    with open(os.path.join(HERE, name), 'wb') as f:
+        f.write(data)
+
+
+def gem_row(row):
+    """One row of GEM items: solid runs of 0x00 or 0xFF, bit strings for the rest."""
+    out, i = bytearray(), 0
+    while i < len(row):
+        n = 1
+        while i + n < len(row) and row[i + n] == row[i] and n < 127:
+            n += 1
+        if row[i] in (0, 255):
+            out.append((0x80 if row[i] else 0) | n)
+        else:
+            n = 1
+            while i + n < len(row) and row[i + n] not in (0, 255) and n < 255:
+                n += 1
+            out += bytes((0x80, n)) + bytes(row[i:i + n])
+        i += n
+    return bytes(out)
+
+
+def gem(name):
+    """GEM bit image, 8 planes with an XIMG palette; equal scanlines go out once, replicated."""
+    pal, rows = index_rows(8)
+    plane_bytes = (W + 7) // 8
+    lines = []
+    for row in rows:
+        line = b''
+        for p in range(8):
+            line += pack([(v >> p) & 1 for v in row], 1)[:plane_bytes]
+        lines.append(line)
+    out, y = bytearray(), 0
+    while y < H:
+        n = 1
+        while y + n < H and lines[y + n] == lines[y] and n < 255:
+            n += 1
+        if n > 1:
+            out += bytes((0, 0, 0xFF, n))
+        for p in range(8):
+            out += gem_row(lines[y][p * plane_bytes:(p + 1) * plane_bytes])
+        y += n
+    head = struct.pack('>8H', 1, 11 + 3 * 256, 8, 1, 85, 85, W, H) + b'XIMG' + struct.pack('>H', 0)
+    head += b''.join(struct.pack('>3H', *((c * 1000 + 127) // 255 for c in e)) for e in pal)
+    with open(os.path.join(HERE, name), 'wb') as f:
+        f.write(head + bytes(out))
+def pictor(name):
+    """PC Paint: four EGA planes of the 16-colour wheel, bottom row first, in one block of
+    plain bytes (the marker byte never occurs in them)."""
+    pal, rows = index_rows(4)
+    for plane in range(4):
+        for row in reversed(rows):
+            for x in range(0, W, 8):
+                b = 0
+                for k in range(8):
+                    if (row[x + k] >> plane) & 1:
+                        b |= 0x80 >> k
+                data.append(b)
+    marker = next(v for v in range(256) if v not in data)
+    vga = b''.join(bytes((r >> 2, g >> 2, b >> 2)) for r, g, b in pal[:16])
+    out = struct.pack('<HHHHHBBBHH', 0x1234, W, H, 0, 0, 0x31, 0xFF, ord('M'), 5, len(vga))
+    out += vga + struct.pack('<HHHB', 1, len(data) + 5, len(data), marker) + data
+        f.write(out)
+
+
+def halo(name):
+    """Dr. Halo: the 8-bit wheel as literal runs, and its palette file beside it."""
+    out = bytearray(struct.pack('<HHH', W, H, 0))
+        packed = bytes((W,)) + bytes(row) + b'\0'
+        out += struct.pack('<H', len(packed)) + packed
+        f.write(out)
+    table = bytearray()
+    pos = 40
+    for r, g, b in pal:
+        if pos % 512 > 506:
+            table += bytes(512 - pos % 512)
+            pos += 512 - pos % 512
+        table += struct.pack('<HHH', r, g, b)
+        pos += 6
+    head = b'AH' + struct.pack('<HHBBHHHHHH', 0, len(table), 0x0A, 0, 0, 0, len(pal) - 1, 255, 255,
+                               255) + b'Dr. Halo'.ljust(20, b'\0')
+    with open(os.path.join(HERE, os.path.splitext(name)[0] + '.pal'), 'wb') as f:
+        f.write(head + table)
+
+
+def wpg(name):
+    """WordPerfect Graphics version 1: the 8-bit wheel after its colour map, rows as literal
+    runs."""
+
+    def record(kind, data):
+        return bytes((kind, 0xFF)) + struct.pack('<HH', 0x8000 | len(data) >> 16, len(data) & 0xFFFF) + data
+    colours = struct.pack('<HH', 0, len(pal)) + b''.join(bytes(c) for c in pal)
+    bitmap = struct.pack('<HHHHH', W, H, 8, 75, 75) + b''.join(bytes((W,)) + bytes(r) for r in rows)
+    out = b'\xffWPC' + struct.pack('<IBBBBHH', 16, 1, 0x16, 1, 0, 0, 0)
+    out += bytes((0x0F, 6, 1, 0)) + struct.pack('<HH', W * 16, H * 16)
+    out += record(0x0E, colours) + record(0x0B, bitmap) + bytes((0x10, 0))
+        f.write(out)
+
+
 if __name__ == '__main__':
     bmp('wheel-1bit.bmp', 1)
     bmp('wheel-4bit.bmp', 4)
@@ -172,3 +361,11 @@ if __name__ == '__main__':
     bmp('wheel-rle4.bmp', 4, rle=4)
     bmp('wheel-8bit.dib', 8)
     bga('wheels.bga')
+    macpaint('wheel.mac')
+    msp('wheel.msp')
+    pfs_art('wheel.art')
+    sstv('wheel.hrz')
+    gem('wheel-8bit.img')
+    pictor('wheel-ega.pic')
+    halo('wheel-8bit.cut')
+    wpg('wheel-8bit.wpg')

@@ -11,17 +11,19 @@ int AddThumbnails(Host& host, std::span<const ListItem> items, const std::string
                   FormatTableView table) {
   WaitCursor cursor(host);
   int first = kOk;
-  WalkTaggedFiles(
-      items,
-      [&](const std::string& name) {
-        int code = MakeThumbnail(host, JoinPath(directory, name), nullptr, table);
+  WalkOptions options;
+  options.stopAfter = [](const FileResult& result) { return result.code == kCancelled; };
+  WalkFiles(
+      host, TaggedFiles(items),
+      [&](Host& fileHost, size_t, const std::string& name) {
+        int code = MakeThumbnail(fileHost, JoinPath(directory, name), nullptr, table);
         if (code != kOk) {
-          host.ShowMessage(FileErrorLine(name, code));
+          fileHost.ShowMessage(FileErrorLine(name, code));
           if (first == kOk) first = code;
         }
         return code;
       },
-      [](int code) { return code == kCancelled; });
+      options);
   return first;
 }
 

@@ -15,9 +15,25 @@ int ConvertStill(Operation& op, const std::string& source, int destRow,
                  const ConvertOptions& options) {
   // Convert never reduces colours itself: a picture too deep for the destination is refused and
   // the user dithers or reduces it first.
-  if (int code = LoadPicture(op, source, op.table[static_cast<size_t>(destRow)])) return code;
+  if (int code = LoadPicture(op, source, &op.table[static_cast<size_t>(destRow)])) return code;
   return SaveResult(op, source, destRow, options.destinationDirectory,
                     AbortableRowSource(op.store));
+}
+
+// The motion writer goes first and leaves the record ready for frames (putLine is its frame
+// sink); the source's reader then delivers every frame to it.
+int WriteFrames(Operation& op, const FormatEntry& entry, const FormatEntry& destination,
+                const std::string& source, const std::string& path) {
+  if (int code = destination.write(op.info, path)) return code;
+  if (!entry.read) {
+    if (op.info.finishWrite) op.info.finishWrite();
+    op.info.Clear();
+    return kUnsupportedFunction;
+  }
+  op.host.SetStatus(MessageWithName(kStrReading, source));
+  op.store.rowsDone = 0;
+  if (int code = entry.read(op.info, source)) return code;
+  return op.info.finishWrite ? op.info.finishWrite() : kOk;
 }
 
 int ConvertMotion(Operation& op, const std::string& source, int destRow,
@@ -39,20 +55,14 @@ int ConvertMotion(Operation& op, const std::string& source, int destRow,
       answer != kNameGoOn)
     return answer;
 
-  // The writer goes first and leaves the record ready for frames: putLine is its frame sink.
-  if (int code = destination.write(op.info, output)) return code;
-  if (!entry.read) {
-    if (op.info.finishWrite) op.info.finishWrite();
-    op.info.Clear();
-    return kUnsupportedFunction;
-  }
-  op.host.SetStatus(MessageWithName(kStrReading, source));
-  op.store.rowsDone = 0;
-  if (int code = entry.read(op.info, source)) return code;
-  if (op.info.finishWrite) op.info.finishWrite();
-  op.host.FileWritten(output);
-  AutoCreateThumbnail(op.host, output);
-  return kOk;
+  // Frames go into a temporary file too, renamed over the output only once the last frame is
+  // in: a failed or cancelled motion write leaves nothing behind.
+  int code = WriteThroughTemporary(
+      op.host, output,
+      [&](const std::string& path) { return WriteFrames(op, entry, destination, source, path); },
+      &op.info);
+  if (code == kOk) AutoCreateThumbnail(op.host, output);
+  return code;
 }
 
 }  // namespace

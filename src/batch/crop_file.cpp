@@ -43,7 +43,7 @@ int SaveCrop(Host& host, const ImageInfo& current, ImageStore& store, CropRect r
       return crop(row, r);
     };
     WaitCursor cursor(host);
-    return WriteThroughTemporary(host, destination, copy, output);
+    return store.Explain(WriteThroughTemporary(host, destination, copy, output));
   } catch (const std::bad_alloc&) {
     return kMemoryError;
   }
@@ -53,7 +53,7 @@ int CropFile(Host& host, const std::string& source, int destRow, const CropRect&
              const std::string& destinationDirectory, FormatTableView table) {
   return RunPictureCommand(host, destRow, table, [&](Operation& op) -> int {
     const FormatEntry& destination = op.table[static_cast<size_t>(destRow)];
-    if (int code = LoadPicture(op, source, destination)) return code;
+    if (int code = LoadPicture(op, source, &destination)) return code;
     std::string output;
     if (BuildOutputName(op.host, output, source, destinationDirectory, destination) != kNameGoOn)
       return kCancelled;

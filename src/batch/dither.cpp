@@ -27,7 +27,7 @@ int DitherFile(Operation& op, const std::string& source, const DitherOptions& op
   // on its way, and so does the byte-per-pixel sink when nothing is enlarged.
   const uint32_t storeBits = op.info.bits <= 8 ? 8 : 24;
   if (int code = op.store.Create(static_cast<uint32_t>(width), static_cast<int32_t>(depth),
-                                 storeBits))
+                                 storeBits, SpillPolicy()))
     return code;
   op.store.zoom = static_cast<int>(factor);
 
@@ -59,7 +59,7 @@ int Dither(Host& host, const std::string& source, const DitherOptions& options,
   try {
     int code = DitherFile(op, source, options);
     PostRead(op.info);  // a reader's own file goes whatever happened after it was made
-    return code;
+    return op.store.Explain(code);
   } catch (const std::bad_alloc&) {
     return kMemoryError;
   }

@@ -14,7 +14,7 @@ int EffectsFile(Operation& op, const std::string& source, int destRow, uint32_t 
   const FormatEntry& destination = op.table[static_cast<size_t>(destRow)];
   LoadPlan plan;
   // A picture deeper than the destination is reduced after the effect, not refused.
-  plan.accept = [](const ImageInfo& info, const FormatEntry&) {
+  plan.accept = [](const ImageInfo& info) {
     return info.bits == 1 ? kUnsuitableImage : kOk;
   };
   // Every effect works on RGB rows; palette pictures keep their depth and palette in the record.
@@ -22,7 +22,7 @@ int EffectsFile(Operation& op, const std::string& source, int destRow, uint32_t 
   plan.sink = [](ImageStore& store, const ImageInfo& info) {
     return ExpandToRgbSink(store, static_cast<uint64_t>(info.depth), info.bits, info.palette);
   };
-  if (int code = LoadPicture(op, source, destination, plan)) return code;
+  if (int code = LoadPicture(op, source, &destination, plan)) return code;
 
   // The engine polls once per row itself; the row callbacks need not.
   op.info.getLine = PlainRowSource(op.store);

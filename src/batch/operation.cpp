@@ -7,6 +7,14 @@
 
 namespace pxm {
 
+unsigned SpillPolicy() {
+  const Settings& settings = CurrentSettings();
+  const int32_t drive = settings.VirtualMemoryDrive;
+  const bool hasDrive = (drive >= 'a' && drive <= 'z') || (drive >= 'A' && drive <= 'Z');
+  return (settings.UseVirtualMemoryAlways ? kStoreSpillAlways : 0u) |
+         (hasDrive ? 0u : kStoreNoSpill);
+}
+
 int ChooseImage(Operation& op, int row, const std::string& /*path*/) {
   const FormatEntry& entry = op.table[static_cast<size_t>(row)];
   if (!(entry.caps & kCapsMultiImage) || op.info.imageCount <= 1) return kOk;
@@ -62,6 +70,39 @@ int WriteDestination(Operation& op, int destRow, const std::string& output, Line
   return WriteThroughTemporary(op.host, entry, op.info, output);
 }
 
+int WriteThroughTemporary(Host& host, const std::string& output,
+                          const std::function<int(const std::string& path)>& write,
+                          ImageInfo* info) {
+  auto temporary = platform::CreateTemporaryFileIn(DirectoryPart(output), NamePart(output));
+  if (!temporary) return kCreateError;
+  std::vector<CompanionFile> none;
+  std::vector<CompanionFile>& companions = info ? info->companions : none;
+  if (info) info->outputPath = output;
+  companions.clear();
+  int code;
+  try {
+    code = write(*temporary);
+  } catch (const std::bad_alloc&) {
+    code = kMemoryError;
+  }
+  // Companion files (a palette file beside a picture) take their names just before the output
+  // does. Renames within one directory fail only when the directory changed under the write; a
+  // failure then leaves the companions already renamed and gives 9.
+  for (const CompanionFile& c : companions)
+    if (code == kOk && !platform::ReplaceFile(c.temporary, c.final)) code = kRenameError;
+  if (code == kOk && !platform::ReplaceFile(*temporary, output)) code = kRenameError;
+  if (code != kOk)
+    for (const CompanionFile& c : companions) platform::RemoveFile(c.temporary);
+  if (info) info->outputPath.clear();
+  companions.clear();
+  if (code != kOk) {
+    platform::RemoveFile(*temporary);
+    return code;
+  }
+  host.FileWritten(output);
+  return kOk;
+}
+
 int WriteThroughTemporary(Host& host, const FormatEntry& entry, ImageInfo& info,
                           const std::string& output) {
   if (entry.caps & kCapsClipboard) {
@@ -71,21 +112,8 @@ int WriteThroughTemporary(Host& host, const FormatEntry& entry, ImageInfo& info,
       return kMemoryError;
     }
   }
-  auto temporary = platform::CreateTemporaryFileIn(DirectoryPart(output), NamePart(output));
-  if (!temporary) return kCreateError;
-  int code;
-  try {
-    code = entry.write(info, *temporary);
-  } catch (const std::bad_alloc&) {
-    code = kMemoryError;
-  }
-  if (code == kOk && !platform::ReplaceFile(*temporary, output)) code = kRenameError;
-  if (code != kOk) {
-    platform::RemoveFile(*temporary);
-    return code;
-  }
-  host.FileWritten(output);
-  return kOk;
+  return WriteThroughTemporary(
+      host, output, [&](const std::string& path) { return entry.write(info, path); }, &info);
 }
 
 }  // namespace pxm

@@ -19,20 +19,21 @@ int RunPictureCommand(Host& host, int destRow, FormatTableView table,
     code = kMemoryError;
   }
   PostRead(op.info);
-  return code;
+  return op.store.Explain(code);
 }
 
-int LoadPicture(Operation& op, const std::string& source, const FormatEntry& destination,
+int LoadPicture(Operation& op, const std::string& source, const FormatEntry* destination,
                 const LoadPlan& plan) {
   int row;
   if (int code = OpenSource(op, source, row)) return code;
   if (plan.accept) {
-    if (int code = plan.accept(op.info, destination)) return code;
-  } else if (destination.maxBits < op.info.bits) {
+    if (int code = plan.accept(op.info)) return code;
+  } else if (destination && destination->maxBits < op.info.bits) {
     return kTooManyColours;
   }
   const uint32_t bits = plan.storeBits ? plan.storeBits(op.info.bits) : op.info.bits;
-  if (int code = op.store.Create(op.info.width, op.info.depth, bits, plan.storeOptions))
+  if (int code = op.store.Create(op.info.width, op.info.depth, bits,
+                                  plan.storeOptions | SpillPolicy()))
     return code;
   LineSink sink = plan.sink ? plan.sink(op.store, op.info)
                             : ProgressRowSink(op.store, static_cast<uint64_t>(op.info.depth));

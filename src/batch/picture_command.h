@@ -20,7 +20,7 @@ int RunPictureCommand(Host& host, int destRow, FormatTableView table,
 struct LoadPlan {
   // Whether the picture suits the command; empty refuses only a picture deeper than the
   // destination holds (12).
-  std::function<int(const ImageInfo& info, const FormatEntry& destination)> accept;
+  std::function<int(const ImageInfo& info)> accept;
   // The bits the store is created for, given the picture's; empty keeps the picture's own.
   std::function<uint32_t(uint32_t bits)> storeBits;
   unsigned storeOptions = 0;
@@ -30,8 +30,9 @@ struct LoadPlan {
 
 // Finds the source's format (8 when none), runs its info handler and the select-image box,
 // asks the plan whether the picture suits the command, creates the store and reads the picture
-// into it. Answers the first failure's code.
-int LoadPicture(Operation& op, const std::string& source, const FormatEntry& destination,
+// into it. `destination` is the row the command will write, or null when it is not known yet
+// (any depth suits then). Answers the first failure's code.
+int LoadPicture(Operation& op, const std::string& source, const FormatEntry* destination,
                 const LoadPlan& plan = {});
 
 // Builds the output name (a cancel answers 4), refuses a destination without a writer (5) and

@@ -17,7 +17,7 @@ int Scale(Operation& op, const std::string& source, int destRow, const ScaleSett
   plan.sink = [](ImageStore& store, const ImageInfo& info) {
     return BytePerPixelSink(store, static_cast<uint64_t>(info.depth), info.bits);
   };
-  if (int code = LoadPicture(op, source, op.table[static_cast<size_t>(destRow)], plan))
+  if (int code = LoadPicture(op, source, &op.table[static_cast<size_t>(destRow)], plan))
     return code;
 
   const ScaledAxis across = ScaleAxis(op.info.width, scale.horizontalPercent, scale.targetWidth);

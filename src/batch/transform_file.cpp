@@ -16,7 +16,7 @@ int Transform(Operation& op, const std::string& source, int destRow, int32_t mod
   // A spilled store cannot serve a column per row: the quarter turns refuse rather than read a
   // picture they cannot turn.
   if (IsQuarterTurn(mode)) plan.storeOptions = kStoreMemoryOnly;
-  if (int code = LoadPicture(op, source, op.table[static_cast<size_t>(destRow)], plan))
+  if (int code = LoadPicture(op, source, &op.table[static_cast<size_t>(destRow)], plan))
     return code;
   if (IsQuarterTurn(mode)) {
     if (!op.store.InMemory()) return kNeedsMemoryStore;
@@ -28,7 +28,7 @@ int Transform(Operation& op, const std::string& source, int destRow, int32_t mod
 
 int Reverse(Operation& op, const std::string& source, int destRow,
             const std::string& destinationDirectory) {
-  if (int code = LoadPicture(op, source, op.table[static_cast<size_t>(destRow)])) return code;
+  if (int code = LoadPicture(op, source, &op.table[static_cast<size_t>(destRow)])) return code;
   op.host.SetStatus(MessageWithName(kStrReversing, source));
   op.host.ReportProgress(0, 0);
   if (int code = ReverseStore(op.store, op.info)) return code;

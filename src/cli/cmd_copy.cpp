@@ -31,8 +31,8 @@ Command SetupFileCopy(CLI::App& parent, Context& ctx, const char* name, const ch
     if (args->verify) options |= kCopyVerifies;
     if (args->noVerify) options &= ~kCopyVerifies;
     if (int code = ConfirmCopy(*ctx.host, args->files, args->toDir, options)) return code;
-    return RunOverFiles(ctx, args->files, [&](const std::string& path) {
-      return CopyTaggedFile(*ctx.host, path, args->toDir, options);
+    return RunOverFiles(ctx, args->files, [&](Host& host, const std::string& path) {
+      return CopyTaggedFile(host, path, args->toDir, options);
     });
   };
   return c;

@@ -25,8 +25,8 @@ Command SetupCrop(CLI::App& parent, Context& ctx) {
     const CropRect chosen{n[0], n[1], n[2], n[3]};
     int destRow = DestinationRow(ctx);
     if (destRow < 0 || !ApplyOutputOption(ctx, files->size())) return kUsageError;
-    return RunOverFiles(ctx, *files, [&](const std::string& path) {
-      return CropFile(*ctx.host, path, destRow, chosen, ctx.options.destDir);
+    return RunOverFiles(ctx, *files, [&](Host& host, const std::string& path) {
+      return CropFile(host, path, destRow, chosen, ctx.options.destDir);
     });
   };
   return c;

@@ -111,8 +111,8 @@ Command SetupDither(CLI::App& parent, Context& ctx) {
     if (a->contrast) settings.DitherContrast = *a->contrast;
     if (a->brightness) settings.DitherBrightness = *a->brightness;
     options.destinationDirectory = ctx.options.destDir;
-    return RunOverFiles(ctx, a->files, [&](const std::string& path) {
-      return Dither(*ctx.host, path, options);
+    return RunOverFiles(ctx, a->files, [&](Host& host, const std::string& path) {
+      return Dither(host, path, options);
     });
   };
   return c;

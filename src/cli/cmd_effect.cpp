@@ -123,8 +123,8 @@ Command SetupEffect(CLI::App& parent, Context& ctx) {
     }
     EffectsOptions options;
     options.destinationDirectory = ctx.options.destDir;
-    return RunOverFiles(ctx, a->files, [&](const std::string& path) {
-      return Effects(*ctx.host, path, destRow, *word, options);
+    return RunOverFiles(ctx, a->files, [&](Host& host, const std::string& path) {
+      return Effects(host, path, destRow, *word, options);
     });
   };
   return c;

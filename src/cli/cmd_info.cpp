@@ -60,26 +60,30 @@ std::string JsonObject(const InfoResult& r) {
 int RunInfo(Context& ctx, const std::vector<std::string>& files, bool report) {
   int status = 0;
   bool firstPrinted = true;
+  std::vector<InfoResult> infos(files.size());
   if (ctx.options.json) std::cout << "[";
-  for (const std::string& path : files) {
-    InfoResult result;
-    int code = GetInfo(*ctx.host, path, report, result);
-    ctx.host->ClearLine();
-    if (code != 0) {
-      ReportFailure(ctx, path, code);
-      if (status == 0) status = code;
-      if (ctx.host->Interrupted()) break;
-      continue;
-    }
-    if (ctx.options.json) {
-      std::cout << (firstPrinted ? "\n " : ",\n ") << JsonObject(result);
-    } else {
-      if (!firstPrinted) std::cout << '\n';
-      for (const Field& f : Fields(result)) std::cout << f.name << ": " << f.text << '\n';
-      for (const std::string& line : result.report) std::cout << line << '\n';
-    }
-    firstPrinted = false;
-  }
+  WalkFiles(
+      *ctx.host, files,
+      [&](Host& host, size_t index, const std::string& path) {
+        return GetInfo(host, path, report, infos[index]);
+      },
+      WalkOptionsOf(ctx), [&](const FileResult& file) {
+        ctx.host->ClearLine();
+        if (file.code != 0) {
+          ReportFailure(ctx, file.source, file.code);
+          if (status == 0) status = file.code;
+          return;
+        }
+        const InfoResult& result = infos[file.index];
+        if (ctx.options.json) {
+          std::cout << (firstPrinted ? "\n " : ",\n ") << JsonObject(result);
+        } else {
+          if (!firstPrinted) std::cout << '\n';
+          for (const Field& f : Fields(result)) std::cout << f.name << ": " << f.text << '\n';
+          for (const std::string& line : result.report) std::cout << line << '\n';
+        }
+        firstPrinted = false;
+      });
   if (ctx.options.json) std::cout << (firstPrinted ? "]\n" : "\n]\n");
   return status;
 }

@@ -1,5 +1,3 @@
-#include <iostream>
-
 #include "batch/rename_delete.h"
 #include "cli/context.h"
 
@@ -14,13 +12,9 @@ Command SetupRename(CLI::App& parent, Context& ctx) {
   c.app->add_option("file", *file, "The file")->required()->type_name("FILE");
   c.app->add_option("newname", *newName, "Its new name")->required()->type_name("NEWNAME");
   c.run = [&ctx, file, newName]() {
-    int code = RenameTaggedFile(*ctx.host, *file, *newName);
-    if (code != 0) {
-      ReportFailure(ctx, *file, code);
-      return code;
-    }
-    if (!ctx.options.quiet) std::cout << *file << " -> " << ctx.host->LastWritten() << '\n';
-    return 0;
+    return RunOverFiles(ctx, {*file}, [&](Host& host, const std::string& path) {
+      return RenameTaggedFile(host, path, *newName);
+    });
   };
   return c;
 }

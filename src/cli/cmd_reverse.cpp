@@ -12,8 +12,8 @@ Command SetupReverse(CLI::App& parent, Context& ctx) {
   c.run = [&ctx, files]() {
     int destRow = DestinationRow(ctx);
     if (destRow < 0 || !ApplyOutputOption(ctx, files->size())) return kUsageError;
-    return RunOverFiles(ctx, *files, [&](const std::string& path) {
-      return ReverseFile(*ctx.host, path, destRow, ctx.options.destDir);
+    return RunOverFiles(ctx, *files, [&](Host& host, const std::string& path) {
+      return ReverseFile(host, path, destRow, ctx.options.destDir);
     });
   };
   return c;

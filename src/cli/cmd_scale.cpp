@@ -51,8 +51,8 @@ Command SetupScale(CLI::App& parent, Context& ctx) {
     }
     int destRow = DestinationRow(ctx);
     if (destRow < 0 || !ApplyOutputOption(ctx, args->files.size())) return kUsageError;
-    return RunOverFiles(ctx, args->files, [&](const std::string& path) {
-      return ScaleFile(*ctx.host, path, destRow, scale, ctx.options.destDir);
+    return RunOverFiles(ctx, args->files, [&](Host& host, const std::string& path) {
+      return ScaleFile(host, path, destRow, scale, ctx.options.destDir);
     });
   };
   return c;

@@ -13,13 +13,13 @@ Command SetupThumbnail(CLI::App& parent, Context& ctx) {
       "ThumbnailPath (prints SOURCE -> THUMBNAIL)");
   c.app->add_option("files", *files, "Picture files")->required()->type_name("FILE");
   c.run = [&ctx, files]() {
-    return RunOverFiles(ctx, *files, [&](const std::string& path) {
+    return RunOverFiles(ctx, *files, [&](Host& host, const std::string& path) {
       std::string written;
-      int code = MakeThumbnail(*ctx.host, path, &written);
+      int code = MakeThumbnail(host, path, &written);
       // The desktop program passes over files of formats that get no thumbnail; asked by name
       // for one, the tool says it cannot make it.
       if (code == kOk && written.empty()) return static_cast<int>(kUnsupportedFunction);
-      if (code == kOk) ctx.host->FileWritten(written);
+      if (code == kOk) host.FileWritten(written);
       return code;
     });
   };

@@ -30,8 +30,8 @@ Command SetupTransform(CLI::App& parent, Context& ctx) {
     }
     int destRow = DestinationRow(ctx);
     if (destRow < 0 || !ApplyOutputOption(ctx, files->size())) return kUsageError;
-    return RunOverFiles(ctx, *files, [&](const std::string& path) {
-      return TransformFile(*ctx.host, path, destRow, chosen, ctx.options.destDir);
+    return RunOverFiles(ctx, *files, [&](Host& host, const std::string& path) {
+      return TransformFile(host, path, destRow, chosen, ctx.options.destDir);
     });
   };
   return c;

@@ -1,7 +1,9 @@
 #include <charconv>
 #include <iostream>
 
+#include "batch/file_walk.h"
 #include "cli/context.h"
+#include "cli/json.h"
 #include "config/settings.h"
 #include "core/strings.h"
 #include "formats/format_table.h"
@@ -13,20 +15,41 @@ void ReportFailure(Context& ctx, const std::string& name, int code) {
   std::cerr << FileErrorLine(name, code) << '\n';
 }
 
+WalkOptions WalkOptionsOf(const Context& ctx) {
+  WalkOptions options;
+  options.jobs = ctx.options.jobs;
+  // Two files that would write the same name run in the order they were named, so the later
+  // one wins as it would with one job.
+  options.orderKey = OutputNameKey;
+  return options;
+}
+
 int RunOverFiles(Context& ctx, const std::vector<std::string>& files,
-                 const std::function<int(const std::string& path)>& driver) {
+                 const std::function<int(Host& host, const std::string& path)>& driver) {
   int status = 0;
-  for (const std::string& path : files) {
-    int code = driver(path);
-    ctx.host->ClearLine();
-    if (code == 0) {
-      if (!ctx.options.quiet) std::cout << path << " -> " << ctx.host->LastWritten() << '\n';
-    } else {
-      ReportFailure(ctx, path, code);
-      if (status == 0) status = code;
-    }
-    if (ctx.host->Interrupted()) break;
-  }
+  bool first = true;
+  if (ctx.options.json) std::cout << "[";
+  WalkFiles(
+      *ctx.host, files,
+      [&](Host& host, size_t, const std::string& path) { return driver(host, path); },
+      WalkOptionsOf(ctx), [&](const FileResult& result) {
+        ctx.host->ClearLine();
+        if (ctx.options.json) {
+          std::cout << (first ? "\n " : ",\n ") << "{\"source\": " << JsonString(result.source)
+                    << ", \"output\": "
+                    << (result.output.empty() ? "null" : JsonString(result.output))
+                    << ", \"code\": " << result.code
+                    << ", \"text\": " << JsonString(ErrorText(result.code)) << "}";
+          first = false;
+        } else if (result.code == 0 && !ctx.options.quiet) {
+          std::cout << result.source << " -> " << result.output << '\n';
+        }
+        if (result.code != 0) {
+          ReportFailure(ctx, result.source, result.code);
+          if (status == 0) status = result.code;
+        }
+      });
+  if (ctx.options.json) std::cout << (first ? "]\n" : "\n]\n");
   return status;
 }
 

@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "batch/file_walk.h"
 #include "cli/terminal_host.h"
 #include "config/recent_dirs.h"
 
@@ -29,6 +30,7 @@ struct GlobalOptions {
   bool no = false;
   bool quiet = false;
   bool json = false;
+  unsigned jobs = 1;                // --jobs N: files of one command run on N threads
 };
 
 // What a command runs with: the parsed options, the settings file in force, and the host.
@@ -63,11 +65,15 @@ Command SetupDither(CLI::App& parent, Context& ctx);
 Command SetupEffect(CLI::App& parent, Context& ctx);
 Command SetupThumbnail(CLI::App& parent, Context& ctx);
 
-// Runs `driver` over the files in turn the way every batch command does: prints
-// "SOURCE -> OUTPUT" for each success (unless --quiet), "NAME - TEXT" for each failure, stops
-// after Ctrl-C, and answers the exit status (the first failure's code, or 0).
+// Runs `driver` over the files the way every batch command does, on --jobs threads: prints
+// "SOURCE -> OUTPUT" for each success (unless --quiet) or, with --json, one object per file,
+// and "NAME - TEXT" for each failure, all in the order the files were named; starts no file
+// after Ctrl-C; answers the exit status (the code of the first file that failed, or 0). The
+// driver runs on the host it is given, which belongs to its file.
 int RunOverFiles(Context& ctx, const std::vector<std::string>& files,
-                 const std::function<int(const std::string& path)>& driver);
+                 const std::function<int(Host& host, const std::string& path)>& driver);
+// The walk options of --jobs, with files that write the same name kept in order.
+WalkOptions WalkOptionsOf(const Context& ctx);
 
 // Prints "NAME - TEXT" for a failed file on stderr.
 void ReportFailure(Context& ctx, const std::string& name, int code);

@@ -3,7 +3,9 @@
 
 #include <CLI/CLI.hpp>
 
+#include <algorithm>
 #include <iostream>
+#include <thread>
 
 #include "cli/context.h"
 #include "config/ini.h"
@@ -41,6 +43,12 @@ void AddGlobalOptions(CLI::App& app, GlobalOptions& o) {
   app.add_flag("--no", o.no, "Answer No to every question")->excludes(yes);
   app.add_flag("--quiet", o.quiet, "No status or progress output");
   app.add_flag("--json", o.json, "Machine-readable output where a command prints results");
+  o.jobs = std::max(1u, std::thread::hardware_concurrency());
+  app.add_option("--jobs", o.jobs,
+                 "Run the files of a command on N threads (default: the number of cores); the "
+                 "output is the same as with one")
+      ->type_name("N")
+      ->check(CLI::PositiveNumber);
 }
 
 // Settings: defaults, then the file, then the --set lines by the same rules.

@@ -90,6 +90,19 @@ bool TerminalHost::PollAbort() {
   return false;
 }
 
+void TerminalHost::Notify(Notice notice) {
+  const uint32_t bit = 1u << static_cast<unsigned>(notice);
+  if (answers_.quiet || (noticesGiven_ & bit)) return;
+  noticesGiven_ |= bit;
+  ClearLine();
+  switch (notice) {
+    case Notice::kJpegReadAs256Colours:
+      std::cerr << "pxm: note: JPEG pictures are read as 256 colours (ReadJpegRgb is 0); "
+                   "--set ReadJpegRgb=1 reads them in full colour\n";
+      break;
+  }
+}
+
 int TerminalHost::ShowMessage(std::string_view text) {
   ClearLine();
   std::cerr << text << '\n';

@@ -28,14 +28,13 @@ class TerminalHost : public Host {
 
   // Ctrl-C was pressed during this run.
   bool Interrupted() const;
-  // The last path a writer finished.
-  const std::string& LastWritten() const { return lastWritten_; }
   // Clears the status line before other output.
   void ClearLine();
 
   void SetStatus(std::string_view text) override;
   void ReportProgress(uint64_t total, uint64_t done) override;
   bool PollAbort() override;
+  bool AbortRequested() const override { return Interrupted(); }
   void Beep() override {}
   int ShowMessage(std::string_view text) override;
   int AskYesNo(std::string_view text) override;
@@ -48,7 +47,9 @@ class TerminalHost : public Host {
   bool ConfirmOverwrite(std::string_view path) override;
   int SetClipboard(const ClipboardPicture&) override { return 5; }
   void SetWaitCursor(bool) override {}
-  void FileWritten(std::string_view path) override { lastWritten_ = path; }
+  void FileWritten(std::string_view) override {}
+  // Says each kind of notice once a run, on stderr (not with --quiet).
+  void Notify(Notice notice) override;
 
  private:
   bool Ask(std::string_view question);
@@ -62,7 +63,7 @@ class TerminalHost : public Host {
   std::string status_;
   int lastPercent_ = -1;
   bool lineShown_ = false;
-  std::string lastWritten_;
+  uint32_t noticesGiven_ = 0;
 };
 
 }  // namespace pxm::cli

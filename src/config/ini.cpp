@@ -3,14 +3,17 @@
 #include <cinttypes>
 #include <cstdio>
 
+#include "config/format_extensions.h"
 #include "config/key_table.h"
 #include "core/file_io.h"
 #include "core/names.h"
 #include "core/platform.h"
 #include "core/strings.h"
-#include "formats/format_table.h"
 
 namespace pxm {
+
+static_assert(kFormatExtensions.size() == kFormatRows, "one format switch for every row");
+
 namespace {
 
 // Lines are read in pieces of at most 127 characters; a longer line goes on as the next line.
@@ -83,10 +86,9 @@ void ApplyConfigurationLine(std::string_view line, Settings& settings) {
   // both tables; files have always been read this way, and the writer never makes such lines
   // except its deliberate " = 0" for the spare format row.
   std::string_view compared = kv.key;
-  for (int row = 0; row < kFormatCount; ++row) {
-    if (PrefixEquals(FormatAt(row).extension, kv.key, n)) {
-      settings.formatEnabled[static_cast<size_t>(row)] =
-          static_cast<uint32_t>(ParseConfigNumber(kv.value)) & 0xFFFFu;
+  for (size_t row = 0; row < kFormatExtensions.size(); ++row) {
+    if (PrefixEquals(kFormatExtensions[row], kv.key, n)) {
+      settings.formatEnabled[row] = static_cast<uint32_t>(ParseConfigNumber(kv.value)) & 0xFFFFu;
       // The key table is then searched for the value text instead of the key.
       compared = kv.value;
       break;
@@ -135,9 +137,9 @@ std::vector<std::string> ConfigurationLines(const Settings& settings,
     lines.push_back(std::move(line));
   }
   // All 42 rows, the spare one too: it comes out as " = 0".
-  for (int row = 0; row < kFormatCount; ++row)
-    lines.push_back(std::string(FormatAt(row).extension) + " = " +
-                    std::to_string(settings.formatEnabled[static_cast<size_t>(row)]));
+  for (size_t row = 0; row < kFormatExtensions.size(); ++row)
+    lines.push_back(std::string(kFormatExtensions[row]) + " = " +
+                    std::to_string(settings.formatEnabled[row]));
   for (const std::string& dir : recent.Items()) lines.push_back("FileMenuPath = " + dir);
   return lines;
 }

@@ -141,19 +141,43 @@ struct Settings {
   }();
 };
 
-// The settings in force. The one place code reaches them.
+// The settings in force on this thread: the running operation's own copy while one runs here,
+// otherwise the process-wide settings. The one place engine code reaches them.
 Settings& CurrentSettings();
 
-// For tests: puts the compiled-in defaults in force for the object's lifetime and restores what
-// was in force before when it ends.
+// The process-wide settings: what PXM.INI, `--set` and the dialogs change. An operation never
+// reads them while it runs; it runs on the copy it took when it started.
+Settings& ProcessSettings();
+
+// One operation's own copy of the settings, in force on this thread for the object's lifetime.
+// A dialog that changes a setting while the operation runs changes the next file, never the one
+// in hand; operations on several threads share nothing mutable. Scopes nest: the inner copy is
+// taken from whatever is in force when it starts.
+class OperationSettings {
+ public:
+  OperationSettings() : OperationSettings(CurrentSettings()) {}
+  explicit OperationSettings(const Settings& from);
+  ~OperationSettings();
+  OperationSettings(const OperationSettings&) = delete;
+  OperationSettings& operator=(const OperationSettings&) = delete;
+  Settings& operator*() { return copy_; }
+  Settings* operator->() { return &copy_; }
+
+ private:
+  Settings copy_;
+  Settings* previous_;
+};
+
+// For tests: puts the compiled-in defaults in force as the process-wide settings for the
+// object's lifetime and restores what was there before when it ends.
 class ScopedSettings {
  public:
   ScopedSettings();
   ~ScopedSettings();
   ScopedSettings(const ScopedSettings&) = delete;
   ScopedSettings& operator=(const ScopedSettings&) = delete;
-  Settings& operator*() { return CurrentSettings(); }
-  Settings* operator->() { return &CurrentSettings(); }
+  Settings& operator*() { return ProcessSettings(); }
+  Settings* operator->() { return &ProcessSettings(); }
 
  private:
   Settings saved_;

@@ -24,6 +24,12 @@ struct ClipboardPicture {
   std::vector<uint8_t> palette;    // entries of red, green, blue and a zero flag byte
 };
 
+// Remarks the engine makes once in a while that are neither a question nor an error: a front end
+// may tell the user, once.
+enum class Notice {
+  kJpegReadAs256Colours,  // a colour JPEG was reduced to 256 colours as `ReadJpegRgb` 0 asks
+};
+
 // Everything the engine knows of whoever runs it: the desktop program, `pxm`, or a test. Engine
 // code never blocks on a terminal or a window by itself; it asks the host.
 class Host {
@@ -37,6 +43,9 @@ class Host {
   // The abort check: takes at most one pending user event and answers whether it was a click
   // that asks to stop.
   virtual bool PollAbort() = 0;
+  // Whether the user asked to stop the whole batch (a click while a file was in hand, Ctrl-C):
+  // the walk starts no further file.
+  virtual bool AbortRequested() const { return false; }
   virtual void Beep() = 0;
 
   // The "MessageBox" and "YesnoBox" dialogs; they answer a ButtonId.
@@ -62,6 +71,7 @@ class Host {
   virtual void SetWaitCursor(bool on) = 0;
   // A file was written: the file list and thumbnails may refresh.
   virtual void FileWritten(std::string_view path) = 0;
+  virtual void Notify(Notice) {}
 };
 
 // A host that shows nothing and answers every question with its default: the first image, the

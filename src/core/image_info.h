@@ -5,6 +5,7 @@
 #include <functional>
 #include <span>
 #include <string>
+#include <vector>
 
 namespace pxm {
 
@@ -29,6 +30,13 @@ using Palette = std::array<Rgb, 256>;
 constexpr uint32_t kAllFrames = 65535;
 // flags bit set by an animation's info handler.
 constexpr uint32_t kFlagAnimation = 2;
+
+// A file a writer made beside its output under a temporary name (a palette file beside a
+// picture), and the name it is to take.
+struct CompanionFile {
+  std::string temporary;
+  std::string final;
+};
 
 // Limits of the fixed-size text fields of the record; longer texts are cut.
 constexpr size_t kMaxNameLength = 259;
@@ -66,6 +74,12 @@ struct ImageInfo {
   // to deliver it reduced (width and depth then give the reduced size); 0 otherwise.
   uint32_t fullWidth = 0;
   int32_t fullDepth = 0;
+  // While a driver runs a writer on a temporary file: the name that file takes when the writer
+  // succeeds. Empty when a writer is handed its final name.
+  std::string outputPath;
+  // Files the writer made besides its output; the driver gives them their names together with
+  // the output's, or removes them when the write fails.
+  std::vector<CompanionFile> companions;
 
   // Empties the record as a driver does before each file, keeping only the host.
   void Clear();

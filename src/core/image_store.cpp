@@ -6,7 +6,6 @@
 #include <algorithm>
 #include <cstring>
 
-#include "config/settings.h"
 #include "core/error_codes.h"
 #include "core/platform.h"
 #include "core/row_format.h"
@@ -14,8 +13,6 @@
 
 namespace pxm {
 namespace {
-
-bool IsDriveLetter(int32_t v) { return (v >= 'a' && v <= 'z') || (v >= 'A' && v <= 'Z'); }
 
 bool WriteAll(int fd, const uint8_t* data, size_t n, uint64_t offset) {
   while (n > 0) {
@@ -59,19 +56,20 @@ int ImageStore::Create(uint32_t w, int32_t d, uint32_t bits, unsigned options) {
   storageBits = StorageBits(bits);
   rowCount = d;
   abortFlag = 0;
+  failure_ = 0;
   rowsDone = 0;
   if (w == 0 || d < 1) return kInformationError;
 
   uint64_t perLine = StoreBytesPerLine(w, bits);
   if (perLine > SIZE_MAX / 2) return kMemoryError;
   bytesPerLine = static_cast<size_t>(perLine);
+  packedBytes_ = static_cast<size_t>(PackedRowBytes(w, bits));
   // One spare row beyond the picture: some processing reads one row past the last.
   uint64_t rows = static_cast<uint64_t>(d) + 1;
   bool fits = perLine == 0 || rows <= UINT64_MAX / perLine;
   uint64_t size = fits ? rows * perLine : UINT64_MAX;
 
-  const Settings& settings = CurrentSettings();
-  if (!settings.UseVirtualMemoryAlways && fits && size <= SIZE_MAX &&
+  if (!(options & kStoreSpillAlways) && fits && size <= SIZE_MAX &&
       size <= platform::StoreMemoryLimit()) {
     // calloc hands large blocks over as untouched zero pages: cheap, and only the rows
     // actually written cost memory.
@@ -82,7 +80,7 @@ int ImageStore::Create(uint32_t w, int32_t d, uint32_t bits, unsigned options) {
     }
   }
   if (options & kStoreMemoryOnly) return kNeedsMemoryStore;
-  if (!IsDriveLetter(settings.VirtualMemoryDrive)) return kMemoryError;
+  if (options & kStoreNoSpill) return kMemoryError;
   return CreateSpill();
 }
 
@@ -148,7 +146,10 @@ const uint8_t* ImageStore::MemoryRow(int32_t r) const {
 int ImageStore::PutRowQuiet(std::span<const uint8_t> row, int32_t r) {
   uint64_t offset;
   if (!IsHeld() || !SlotOffset(r, offset)) return abortFlag;
-  size_t n = std::min(row.size(), bytesPerLine);
+  // Only the row's own bytes are taken: readers hand over whole working buffers, and what lies
+  // past the picture in them was never written. The slot's rounding is always zero, so writers
+  // that copy whole stored rows write the same bytes every time.
+  size_t n = std::min(row.size(), packedBytes_);
   if (memory_) {
     uint8_t* slot = memory_.get() + offset;
     std::memcpy(slot, row.data(), n);
@@ -162,7 +163,7 @@ int ImageStore::PutRowQuiet(std::span<const uint8_t> row, int32_t r) {
     std::memset(spillRow_.data() + n, 0, bytesPerLine - n);
     io = spillRow_.data();
   }
-  WriteAll(spillFile_, io, bytesPerLine, offset);
+  if (!WriteAll(spillFile_, io, bytesPerLine, offset)) Fail(kWriteError);
   return abortFlag;
 }
 
@@ -175,7 +176,10 @@ int ImageStore::GetRowQuiet(std::span<uint8_t> row, int32_t r) {
     return abortFlag;
   }
   uint8_t* io = n == bytesPerLine ? row.data() : spillRow_.data();
-  if (!ReadAll(spillFile_, io, bytesPerLine, offset)) std::memset(io, 0, bytesPerLine);
+  if (!ReadAll(spillFile_, io, bytesPerLine, offset)) {
+    std::memset(io, 0, bytesPerLine);
+    Fail(kReadError);
+  }
   if (io != row.data()) std::memcpy(row.data(), io, n);
   return abortFlag;
 }
@@ -188,6 +192,11 @@ int ImageStore::PutRow(std::span<const uint8_t> row, int32_t r) {
 int ImageStore::GetRow(std::span<uint8_t> row, int32_t r) {
   GetRowQuiet(row, r);
   return AbortCheck();
+}
+
+void ImageStore::Fail(int code) {
+  if (!failure_) failure_ = code;
+  abortFlag = 1;
 }
 
 int ImageStore::AbortCheck() {

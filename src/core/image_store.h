@@ -10,9 +10,12 @@
 
 namespace pxm {
 
-// CreateStore option bits.
+// CreateStore option bits. The spill policy comes in with them, so the store itself knows
+// nothing of settings.
 enum StoreOption : unsigned {
-  kStoreMemoryOnly = 1,  // the work needs the picture in memory: never spill
+  kStoreMemoryOnly = 1,   // the work needs the picture in memory: never spill (16 otherwise)
+  kStoreSpillAlways = 2,  // go straight to the spill file, as `UseVirtualMemoryAlways` asks
+  kStoreNoSpill = 4,      // no spill file may be made: there is no virtual-memory drive (6)
 };
 
 // The one decoded picture of the running operation, bottom row first, in memory or in the spill
@@ -24,13 +27,15 @@ class ImageStore {
   ImageStore(const ImageStore&) = delete;
   ImageStore& operator=(const ImageStore&) = delete;
 
-  // Creates the store for a picture; answers an error code (6 no memory and no spill drive,
-  // 16 memory-only and no memory, 4 aborted while the spill file was made).
+  // Creates the store for a picture; answers an error code (6 no memory and no spill file
+  // allowed, 16 memory-only and no memory, 4 aborted while the spill file was made).
   int Create(uint32_t width, int32_t depth, uint32_t bits, unsigned options = 0);
   // Releases memory or closes the spill file; safe when nothing is held.
   void Free();
 
   bool IsHeld() const { return memory_ != nullptr || spillFile_ >= 0; }
+  // Bytes of a row that hold pixels; the rest of `bytesPerLine` is rounding, always zero.
+  size_t PackedBytes() const { return packedBytes_; }
   bool InMemory() const { return memory_ != nullptr; }
   Host& host() const { return *host_; }
 
@@ -44,7 +49,15 @@ class ImageStore {
   // The abort check: takes one user event from the host; a click beeps and sets the flag, which
   // stays set until ClearAbort(). Answers the flag.
   int AbortCheck();
-  void ClearAbort() { abortFlag = 0; }
+  void ClearAbort() {
+    abortFlag = 0;
+    failure_ = 0;
+  }
+  // The code of a spill file that could not be written (11, a full disk) or read back (3), or
+  // 0. Such a failure also sets the abort flag, so the reader or writer in hand stops at once.
+  int Failure() const { return failure_; }
+  // `code` as the caller should report it: an abort that a spill failure caused is that failure.
+  int Explain(int code) const { return code == 4 && failure_ ? failure_ : code; }
   // Reports total × 65536 + rowsDone (as total and done) and advances rowsDone.
   void ReportRowProgress(uint64_t total);
 
@@ -73,7 +86,11 @@ class ImageStore {
   int CreateSpill();
   bool SlotOffset(int32_t r, uint64_t& offset) const;
 
+  void Fail(int code);
+
   Host* host_;
+  size_t packedBytes_ = 0;  // bytes of a row before the rounding to 4
+  int failure_ = 0;
   std::unique_ptr<uint8_t, FreeDeleter> memory_;
   int spillFile_ = -1;
   std::vector<uint8_t> spillRow_;

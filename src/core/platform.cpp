@@ -15,6 +15,7 @@
 #include <cstring>
 #include <ctime>
 #include <filesystem>
+#include <mutex>
 #include <vector>
 
 namespace pxm::platform {
@@ -32,27 +33,33 @@ mode_t CurrentUmask() {
 }
 
 // The temporary files being written, kept where a signal handler can reach them without
-// allocating: a fixed table of paths, each published by its flag once complete. Only the thread
-// that runs the operation makes and ends them.
+// allocating or locking: a fixed table of paths, each published by its state once complete.
+// Threads claim and release slots under a lock; the handler only reads published slots. Files
+// run side by side on as many threads as there are cores, each with one or two files pending.
 struct PendingSlot {
-  std::atomic<bool> used{false};
+  enum : int { kFree, kPublished };
+  std::atomic<int> state{kFree};
   char path[PATH_MAX];
 };
-PendingSlot gPending[8];
+PendingSlot gPending[64];
+std::mutex gPendingLock;
 
 void AddPending(const std::string& path) {
   if (path.size() >= PATH_MAX) return;
+  std::lock_guard lock(gPendingLock);
   for (PendingSlot& slot : gPending) {
-    if (slot.used.load()) continue;
+    if (slot.state.load() != PendingSlot::kFree) continue;
     std::memcpy(slot.path, path.c_str(), path.size() + 1);
-    slot.used.store(true);
+    slot.state.store(PendingSlot::kPublished);
     return;
   }
 }
 
 void DropPending(const std::string& path) {
+  std::lock_guard lock(gPendingLock);
   for (PendingSlot& slot : gPending)
-    if (slot.used.load() && path == slot.path) slot.used.store(false);
+    if (slot.state.load() == PendingSlot::kPublished && path == slot.path)
+      slot.state.store(PendingSlot::kFree);
 }
 
 struct TempDirectory {
@@ -217,7 +224,7 @@ std::optional<std::string> CreateTemporaryFileIn(const std::string& directory,
 
 void RemovePendingTemporaryFiles() {
   for (PendingSlot& slot : gPending)
-    if (slot.used.exchange(false)) unlink(slot.path);
+    if (slot.state.exchange(PendingSlot::kFree) == PendingSlot::kPublished) unlink(slot.path);
 }
 
 bool ReplaceFile(const std::string& from, const std::string& to) {

@@ -24,6 +24,7 @@ class ScriptedHost : public Host {
   int clipboardResult = 5;
   // PollAbort answers true on this call (counting from 1) and on every call after it; 0 never.
   uint64_t abortOnPoll = 0;
+  bool abortRequested = false;  // the user asked the whole batch to stop
 
   // What the engine did.
   std::vector<std::string> statuses;
@@ -34,6 +35,7 @@ class ScriptedHost : public Host {
   std::vector<std::string> writtenFiles;
   std::vector<std::string> selectLists;     // the lists shown in select-image boxes, joined
   std::optional<ClipboardPicture> clipboard;
+  std::vector<Notice> notices;
   uint64_t polls = 0;
   uint64_t beeps = 0;
   uint64_t progressCalls = 0;
@@ -51,6 +53,7 @@ class ScriptedHost : public Host {
     ++polls;
     return abortOnPoll != 0 && polls >= abortOnPoll;
   }
+  bool AbortRequested() const override { return abortRequested; }
   void Beep() override { ++beeps; }
   int ShowMessage(std::string_view text) override {
     messages.emplace_back(text);
@@ -91,6 +94,7 @@ class ScriptedHost : public Host {
   }
   void SetWaitCursor(bool on) override { waitCursor = on; }
   void FileWritten(std::string_view path) override { writtenFiles.emplace_back(path); }
+  void Notify(Notice notice) override { notices.push_back(notice); }
 };
 
 }  // namespace pxm

@@ -40,19 +40,13 @@ LineSink QuietRowSink(ImageStore& store) {
   return [&store](std::span<uint8_t> row, int32_t r) { return store.PutRowQuiet(row, r); };
 }
 
-std::array<uint8_t, 256> GammaTable(int gamma) {
-  std::array<uint8_t, 256> table{};
-  double exponent = gamma > 0 ? 100.0 / gamma : 1.0;
-  for (int i = 0; i < 256; ++i) {
-    double v = 255.0 * std::pow(i / 255.0, exponent) + 0.5;
-    table[static_cast<size_t>(i)] = static_cast<uint8_t>(std::clamp(v, 0.0, 255.0));
-  }
-  return table;
+LevelTable ViewGammaTable(int gamma) {
+  return PowerCurve(gamma > 0 ? 100.0 / gamma : 1.0);
 }
 
 LineSink SwappedRgbSink(ImageStore& store, uint64_t total, uint32_t sourceBits, int viewGamma) {
   bool useGamma = sourceBits > 1 && viewGamma != 100;
-  auto table = std::make_shared<std::array<uint8_t, 256>>(GammaTable(viewGamma));
+  auto table = std::make_shared<LevelTable>(ViewGammaTable(viewGamma));
   return [&store, total, useGamma, table](std::span<uint8_t> row, int32_t r) {
     size_t pixels = std::min<size_t>(store.width, row.size() / 3);
     SwapRedBlue(row.data(), pixels);

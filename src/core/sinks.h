@@ -5,6 +5,7 @@
 
 #include "core/image_info.h"
 #include "core/image_store.h"
+#include "core/levels.h"
 
 // The sinks readers deliver rows to. Each is bound to the store; `total` is the picture depth the
 // progress bar counts against. Every sink but the plain and quiet ones reports progress.
@@ -28,7 +29,8 @@ LineSink ExpandToRgbSink(ImageStore& store, uint64_t total, uint32_t sourceBits,
 // created zoom times wider and deeper (4-bit rows become one byte per pixel).
 LineSink EnlargingSink(ImageStore& store, uint64_t total, uint32_t sourceBits);
 
-// The gamma table of the swapped RGB sink: value i maps to 255 × (i / 255) ^ (100 / gamma).
-std::array<uint8_t, 256> GammaTable(int gamma);
+// The view gamma table of the swapped RGB sink: value i maps to 255 × (i / 255) ^ (100 / gamma),
+// the straight line for a gamma of 0 or less.
+LevelTable ViewGammaTable(int gamma);
 
 }  // namespace pxm

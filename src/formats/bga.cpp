@@ -9,6 +9,7 @@
 #include "core/error_codes.h"
 #include "core/file_io.h"
 #include "core/names.h"
+#include "core/palette_bytes.h"
 #include "core/pixels.h"
 #include "core/row_format.h"
 #include "formats/bmp.h"
@@ -137,6 +138,10 @@ int BgaInfo(ImageInfo& info, const std::string& path, int /*purpose*/) {
   info.depth = static_cast<int32_t>(entry.height);
   info.bits = entry.bits > 8 ? 24 : entry.bits;
   info.unpackedSize = UnpackedSize(info.width, info.bits, info.depth);
+  // Every row is stored whole, padded to four bytes, from the entry's data offset.
+  if (!FileCouldHold(in.Size(), entry.dataOffset,
+                     RowsBytes(BmpRowBytes(entry.width, entry.bits), entry.height), 1))
+    return kCorruptedFile;
   if (entry.bits == 1) {
     info.palette[0] = Rgb{0, 0, 0};
     info.palette[1] = Rgb{255, 255, 255};
@@ -144,8 +149,7 @@ int BgaInfo(ImageInfo& info, const std::string& path, int /*purpose*/) {
     const size_t count = size_t{1} << entry.bits;
     uint8_t table[256 * 3];
     if (!in.Seek(entry.colourTable) || !in.ReadExact(table, 3 * count)) return kNoBitmap;
-    for (size_t i = 0; i < count; ++i)
-      info.palette[i] = Rgb{table[3 * i + 2], table[3 * i + 1], table[3 * i]};
+    PaletteFromBytes({table, 3 * count}, kBgrEntries, info.palette);
   }
   return kOk;
 }
@@ -221,12 +225,7 @@ int BgaWrite(ImageInfo& info, const std::string& path) {
   for (uint64_t first = 0; first < colours; first += 256) {
     size_t n = static_cast<size_t>(std::min<uint64_t>(256, colours - first));
     std::fill(chunk.begin(), chunk.end(), 0);
-    if (first == 0)
-      for (size_t i = 0; i < n; ++i) {
-        chunk[3 * i] = info.palette[i].blue;
-        chunk[3 * i + 1] = info.palette[i].green;
-        chunk[3 * i + 2] = info.palette[i].red;
-      }
+    if (first == 0) PaletteToBytes(info.palette, kBgrEntries, {chunk.data(), 3 * n});
     if (!out.Write(chunk.data(), 3 * n)) return kWriteError;
   }
 

@@ -9,10 +9,11 @@
 #include "core/error_codes.h"
 #include "core/file_io.h"
 #include "core/names.h"
+#include "core/palette_bytes.h"
 #include "core/pixels.h"
 #include "core/row_format.h"
-#include "formats/rle_rows.h"
 #include "formats/info_start.h"
+#include "formats/rle_rows.h"
 
 namespace pxm {
 namespace {
@@ -67,6 +68,24 @@ Header ParseHeader(const uint8_t* h) {
 
 bool HasSignature(const uint8_t* h) { return h[0] == 'B' && h[1] == 'M'; }
 
+// Whether the file could hold the pixel data the header declares. Uncompressed rows are padded
+// to four bytes but the last, which may end the file. In run-length data a code pair makes at
+// most 255 pixels: 255 bytes of 8-bit rows, 128 of 4-bit ones. (The end-of-bitmap and delta codes
+// could leave any number of rows unwritten with a few bytes; a file that says it is that large
+// and holds so little is taken for damage.)
+bool FileCouldHoldData(const Header& h, uint64_t fileSize) {
+  const auto depth = static_cast<uint64_t>(h.depth);
+  const uint64_t packed = PackedPictureBytes(h.width, depth, h.fileBits);
+  if (h.fileBits == 8 && h.compression == kRle8)
+    return FileCouldHold(fileSize, h.dataOffset, packed, 128);
+  if (h.fileBits == 4 && h.compression == kRle4)
+    return FileCouldHold(fileSize, h.dataOffset, packed, 64);
+  const uint64_t lastRow = PackedPictureBytes(h.width, 1, h.fileBits);
+  const uint64_t rows = RowsBytes(BmpRowBytes(h.width, h.fileBits), depth - 1);
+  return FileCouldHold(fileSize, h.dataOffset,
+                       rows > UINT64_MAX - lastRow ? UINT64_MAX : rows + lastRow, 1);
+}
+
 // Row buffers hold a stored row, the codec's working row, a whole file row, and the four bytes
 // per pixel that the 16-bit unpacking addresses, whichever is largest; odd bit counts (2, 3,
 // 32, 64) then cannot reach past the end.
@@ -99,8 +118,8 @@ int ReadRows(ImageInfo& info, InputFile& in, const Header& h) {
       if (!in.ReadExact(row.data(), rowBytes)) return kReadError;
     } else if (bits == 16) {
       if (!in.ReadExact(raw.data(), rowBytes)) return kReadError;
-      // Four bytes are taken per output pixel, so the picture shows every other 16-bit pixel;
-      // files have always looked this way here and users' conversions depend on it.
+      // Four bytes are taken per output pixel, so the picture shows every other 16-bit pixel:
+      // difference D4 of the differences table, kept because users' conversions depend on it.
       for (uint32_t x = 0; x < width; ++x) {
         uint32_t word = LoadLe32(raw.data() + 4 * static_cast<size_t>(x));
         row[3 * x] = static_cast<uint8_t>(((word >> 10) & 31) * 8);
@@ -138,16 +157,9 @@ int BmpInfo(ImageInfo& info, const std::string& path, int /*purpose*/) {
   if (header.width == 0 || header.depth == 0 || header.fileBits == 0) return kCorruptedFile;
   info.unpackedSize = UnpackedSize(info.width, info.bits, info.depth);
 
-  // Uncompressed rows that cannot all be in the file mean a damaged header: refusing here keeps
-  // an absurd size from ever reaching the image store.
-  bool rle = (header.fileBits == 8 && header.compression == kRle8) ||
-             (header.fileBits == 4 && header.compression == kRle4);
-  if (!rle) {
-    uint64_t rowBytes = BmpRowBytes(header.width, header.fileBits);
-    uint64_t lastRow = (static_cast<uint64_t>(header.width) * header.fileBits + 7) / 8;
-    uint64_t needed = header.dataOffset + rowBytes * static_cast<uint64_t>(header.depth - 1) + lastRow;
-    if (needed > in.Size()) return kCorruptedFile;
-  }
+  // Rows that cannot all be in the file mean a damaged header: refusing here keeps an absurd
+  // size from ever reaching the image store.
+  if (!FileCouldHoldData(header, in.Size())) return kCorruptedFile;
 
   // The colour table is taken to follow a 40-byte header whatever the header says.
   if (!in.Seek(header.os2 ? 26 : kReadHeaderBytes)) return kCorruptedFile;
@@ -156,8 +168,8 @@ int BmpInfo(ImageInfo& info, const std::string& path, int /*purpose*/) {
     const size_t count = size_t{1} << info.bits;
     uint8_t table[256 * 4];
     if (!in.ReadExact(table, entry * count)) return kCorruptedFile;
-    for (size_t i = 0; i < count; ++i)
-      info.palette[i] = Rgb{table[i * entry + 2], table[i * entry + 1], table[i * entry]};
+    PaletteFromBytes({table, entry * count}, entry == 3 ? kBgrEntries : kBgrPaddedEntries,
+                     info.palette);
   } else if (info.bits == 24) {
     for (int i = 0; i < 256; ++i) {
       auto v = static_cast<uint8_t>(i);
@@ -233,13 +245,14 @@ int BmpWrite(ImageInfo& info, const std::string& path) {
   if (!out.Write(h, headerSize)) return kWriteError;
 
   uint8_t table[256 * 4] = {};
-  for (uint32_t i = 0; i < colours; ++i) {
-    // One-bit files always get black then white, whatever the picture's palette says.
-    Rgb c = fileBits == 1 ? (i == 0 ? Rgb{0, 0, 0} : Rgb{255, 255, 255}) : info.palette[i];
-    table[i * entrySize] = c.blue;
-    table[i * entrySize + 1] = c.green;
-    table[i * entrySize + 2] = c.red;
+  Palette colourTable = info.palette;
+  // One-bit files always get black then white, whatever the picture's palette says.
+  if (fileBits == 1) {
+    colourTable[0] = Rgb{0, 0, 0};
+    colourTable[1] = Rgb{255, 255, 255};
   }
+  PaletteToBytes(colourTable, entrySize == 3 ? kBgrEntries : kBgrPaddedEntries,
+                 {table, colours * entrySize});
   if (!out.Write(table, colours * entrySize)) return kWriteError;
 
   for (int32_t i = 0; i < depth; ++i) {

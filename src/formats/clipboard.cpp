@@ -5,10 +5,11 @@
 
 #include "core/bytes.h"
 #include "core/error_codes.h"
+#include "core/fixed_palette.h"
 #include "core/host.h"
+#include "core/palette_bytes.h"
 #include "core/pixels.h"
 #include "core/row_format.h"
-#include "thumbs/fixed_palette.h"
 
 namespace pxm {
 
@@ -33,11 +34,7 @@ int ClipboardWrite(ImageInfo& info, const std::string& /*path*/) {
   StoreLe32(dib + 8, static_cast<uint32_t>(info.depth));
   StoreLe16(dib + 12, 1);
   StoreLe16(dib + 14, bits);
-  for (uint32_t i = 0; i < colours; ++i) {
-    dib[40 + 4 * i] = info.palette[i].blue;
-    dib[40 + 4 * i + 1] = info.palette[i].green;
-    dib[40 + 4 * i + 2] = info.palette[i].red;
-  }
+  PaletteToBytes(info.palette, kBgrPaddedEntries, {dib + 40, 4 * size_t{colours}});
   uint8_t* rows = dib + 40 + 4 * colours;
   for (int32_t i = 0; i < info.depth; ++i) {
     if (info.getLine(row, info.depth - 1 - i) != 0) return kCancelled;
@@ -50,11 +47,7 @@ int ClipboardWrite(ImageInfo& info, const std::string& /*path*/) {
   const uint32_t entries = bits == 24 ? 256 : colours;
   const Palette& source = bits == 24 ? ThumbGetPalette(0) : info.palette;
   picture.palette.resize(4 * static_cast<size_t>(entries));
-  for (uint32_t i = 0; i < entries; ++i) {
-    picture.palette[4 * i] = source[i].red;
-    picture.palette[4 * i + 1] = source[i].green;
-    picture.palette[4 * i + 2] = source[i].blue;
-  }
+  PaletteToBytes(source, kRgbPaddedEntries, picture.palette);
   return HostOf(info).SetClipboard(picture);
 }
 

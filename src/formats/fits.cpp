@@ -79,8 +79,8 @@ uint8_t LowByte(double v) {
   return static_cast<uint8_t>(static_cast<int32_t>(v));
 }
 
-// Turns one row of samples into a byte a pixel. The sizes have their own rules, kept as this
-// program has always read FITS files: 16-bit samples are taken every four bytes (so the right
+// Turns one row of samples into a byte a pixel. The sizes have their own rules (difference D31
+// of the differences table): 16-bit samples are taken every four bytes (so the right
 // half of a row comes from beyond it), 24-bit samples repeat their first byte, and both 16 and
 // 32 bits are halved.
 class RowConverter {
@@ -161,8 +161,8 @@ int FitsInfo(ImageInfo& info, const std::string& path, int /*purpose*/) {
       h.depth > std::numeric_limits<int32_t>::max() || h.sampleBits == 0)
     return kCorruptedFile;
   const uint64_t rowLength = RowLength(static_cast<uint64_t>(h.width), std::max(h.sampleBits, 8u));
-  const uint64_t rest = in.Size() > dataStart ? in.Size() - dataStart : 0;
-  if (rowLength > rest / static_cast<uint64_t>(h.depth)) return kCorruptedFile;
+  if (!FileCouldHold(in.Size(), dataStart, RowsBytes(rowLength, static_cast<uint64_t>(h.depth)), 1))
+    return kCorruptedFile;
 
   info.width = static_cast<uint32_t>(h.width);
   info.depth = static_cast<int32_t>(h.depth);

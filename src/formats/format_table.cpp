@@ -1,6 +1,7 @@
 #include "formats/format_table.h"
 
 #include <cstring>
+#include <string_view>
 
 #include "config/settings.h"
 #include "core/error_codes.h"
@@ -8,16 +9,24 @@
 #include "formats/bga.h"
 #include "formats/bmp.h"
 #include "formats/clipboard.h"
-#include "formats/jpeg.h"
-#include "formats/tiff.h"
+#include "formats/cut.h"
 #include "formats/fits.h"
+#include "formats/gem_img.h"
+#include "formats/gif.h"
 #include "formats/iff.h"
+#include "formats/jpeg.h"
+#include "formats/macpaint.h"
+#include "formats/msp.h"
+#include "formats/pcx.h"
+#include "formats/pfs_art.h"
+#include "formats/pictor.h"
+#include "formats/png.h"
+#include "formats/sstv.h"
 #include "formats/sun_raster.h"
 #include "formats/targa.h"
+#include "formats/tiff.h"
 #include "formats/uue.h"
-#include "formats/gif.h"
-#include "formats/pcx.h"
-#include "formats/png.h"
+#include "formats/wpg.h"
 
 namespace pxm {
 
@@ -41,54 +50,83 @@ constexpr ListImagesHandler kList5 = RefuseList5;  // a listing handler not buil
 // them, as libraries leave a codec "not configured" in a build without it. The clipboard row's
 // description reads "(CDB)" although its extension is CBD: users know it that way.
 constexpr FormatEntry kTable[kFormatCount] = {
-    {kNoList, PXM_NOT_BUILT, nullptr, 1, "MAC", "(MAC) MacPaint", 1, 1},
-    {kNoList, PXM_NOT_BUILT, nullptr, 24, "IMG", "(IMG) GEM/Ventura", 1, 1},
-    {kNoList, PcxInfo, PcxRead, PcxWrite, nullptr, 24, "PCX", "(PCX) PC Paintbrush", 1, 1},
-    {GifList, GifInfo, GifRead, GifWrite, nullptr, 8, "GIF", "(GIF) CompuServe", 1, 261},
-    {TiffList, TiffInfo, TiffRead, TiffWrite, nullptr, 24, "TIF", "(TIF) TIFF", 1, 1},
-    {kNoList, PXM_NOT_BUILT, nullptr, 8, "WPG", "(WPG) WordPerfect Graphics", 1, 1},
-    {kNoList, PXM_NOT_BUILT, nullptr, 24, "PIC", "(PIC) Pictor or Pegasus", 1, 1},
-    {kNoList, TargaInfo, TargaRead, TargaWrite, nullptr, 24, "TGA", "(TGA) Targa", 1, 1},
-    {kNoList, PXM_NOT_BUILT, nullptr, 8, "CUT", "(CUT) Dr. Halo", 1, 1},
-    {kNoList, BmpInfo, BmpRead, BmpWrite, nullptr, 24, "BMP", "(BMP) Windows", 1, 1},
-    {kNoList, PXM_NOT_BUILT, nullptr, 1, "MSP", "(MSP) Microsoft Paint", 1, 1},
-    {IffList, IffInfo, IffRead, IffWrite, nullptr, 8, "LBM", "(LBM) Amiga", 1, 1},
-    {kNoList, PXM_NOT_BUILT, nullptr, 8, "EXE", "(EXE) Self-displaying image", 1, 1},
-    {kNoList, PXM_NOT_BUILT, nullptr, 24, "TXT", "(TXT) Text files", 1, 1},
-    {kNoList, PXM_NOT_BUILT, nullptr, 8, "RLE", "(RLE) Windows", 1, 1},
-    {kNoList, JpegInfo, JpegRead, JpegWrite, nullptr, 24, "JPG", "(JPG) Jpeg", 1, 1},
-    {kNoList, PXM_NOT_BUILT, nullptr, 1, "ART", "(ART) PFS:Publisher", 1, 1},
-    {IffList, IffInfo, IffRead, IffWrite, nullptr, 24, "IFF", "(IFF) Amiga", 1, 1},
-    {kNoList, SunInfo, SunRead, SunWrite, nullptr, 24, "RAS", "(RAS) Sun raster", 1, 1},
-    {kNoList, PXM_NOT_BUILT, nullptr, 24, "HRZ", "(HRZ) SSTV", 1, 1},
-    {kNoList, BmpInfo, BmpRead, BmpWrite, nullptr, 24, "DIB", "(DIB) Windows", 1, 1},
-    {kNoList, PXM_NOT_BUILT, nullptr, 8, "ICO", "(ICO) Windows icon", 1, 1},
+    {kNoList, MacInfo, MacRead, MacWrite, nullptr, 1, "MAC", "(MAC) MacPaint", 1, kCapsFile},
+    {kNoList, GemInfo, GemRead, GemWrite, nullptr, 24, "IMG", "(IMG) GEM/Ventura", 1, kCapsFile},
+    {kNoList, PcxInfo, PcxRead, PcxWrite, nullptr, 24, "PCX", "(PCX) PC Paintbrush", 1, kCapsFile},
+    {GifList, GifInfo, GifRead, GifWrite, nullptr, 8, "GIF", "(GIF) CompuServe", 1,
+     kCapsFile | kCapsAnimated | kCapsMultiImage},
+    {TiffList, TiffInfo, TiffRead, TiffWrite, nullptr, 24, "TIF", "(TIF) TIFF", 1, kCapsFile},
+    {kNoList, WpgInfo, WpgRead, WpgWrite, nullptr, 8, "WPG", "(WPG) WordPerfect Graphics", 1, kCapsFile},
+    {kNoList, PicInfo, PicRead, PicWrite, nullptr, 24, "PIC", "(PIC) Pictor or Pegasus", 1, kCapsFile},
+    {kNoList, TargaInfo, TargaRead, TargaWrite, nullptr, 24, "TGA", "(TGA) Targa", 1, kCapsFile},
+    {kNoList, CutInfo, CutRead, CutWrite, nullptr, 8, "CUT", "(CUT) Dr. Halo", 1, kCapsFile},
+    {kNoList, BmpInfo, BmpRead, BmpWrite, nullptr, 24, "BMP", "(BMP) Windows", 1, kCapsFile},
+    {kNoList, MspInfo, MspRead, MspWrite, nullptr, 1, "MSP", "(MSP) Microsoft Paint", 1, kCapsFile},
+    {IffList, IffInfo, IffRead, IffWrite, nullptr, 8, "LBM", "(LBM) Amiga", 1, kCapsFile},
+    {kNoList, PXM_NOT_BUILT, nullptr, 8, "EXE", "(EXE) Self-displaying image", 1, kCapsFile},
+    {kNoList, PXM_NOT_BUILT, nullptr, 24, "TXT", "(TXT) Text files", 1, kCapsFile},
+    {kNoList, PXM_NOT_BUILT, nullptr, 8, "RLE", "(RLE) Windows", 1, kCapsFile},
+    {kNoList, JpegInfo, JpegRead, JpegWrite, nullptr, 24, "JPG", "(JPG) Jpeg", 1, kCapsFile},
+    {kNoList, ArtInfo, ArtRead, ArtWrite, nullptr, 1, "ART", "(ART) PFS:Publisher", 1, kCapsFile},
+    {IffList, IffInfo, IffRead, IffWrite, nullptr, 24, "IFF", "(IFF) Amiga", 1, kCapsFile},
+    {kNoList, SunInfo, SunRead, SunWrite, nullptr, 24, "RAS", "(RAS) Sun raster", 1, kCapsFile},
+    {kNoList, HrzInfo, HrzRead, HrzWrite, nullptr, 24, "HRZ", "(HRZ) SSTV", 1, kCapsFile},
+    {kNoList, BmpInfo, BmpRead, BmpWrite, nullptr, 24, "DIB", "(DIB) Windows", 1, kCapsFile},
+    {kNoList, PXM_NOT_BUILT, nullptr, 8, "ICO", "(ICO) Windows icon", 1, kCapsFile},
     {kNoList, RefuseInfo5, RefuseRead5, RefuseWrite5, nullptr, 24, "AVI", "(AVI) Video for Windows",
-     1, 1053},
-    {kNoList, RefuseInfo8, RefuseRead8, ClipboardWrite, nullptr, 24, "CBD", "(CDB) Clipboard", 1, 35},
-    {kList5, PXM_NOT_BUILT, nullptr, 24, "CPT", "(CPT) Corel PhotoPAINT", 1, 129},
-    {FitsList, FitsInfo, FitsRead, FitsWrite, nullptr, 24, "FIT", "(FIT) Flex. Image Transport", 1, 1},
-    {kList5, PXM_NOT_BUILT, nullptr, 24, "CDR", "(CDR) Corel Draw Preview", 1, 261},
-    {kNoList, BgaInfo, BgaRead, BgaWrite, nullptr, 24, "BGA", "(BGA) OS/2 Warp", 1, 261},
-    {PngList, PngInfo, PngRead, PngWrite, nullptr, 24, "PNG", "(PNG) Portable Netwk Grphcs", 1, 1},
-    {kNoList, PXM_NOT_BUILT, nullptr, 24, "MPG", "(MPG) MPEG video", 1, 521},
-    {kNoList, PXM_NOT_BUILT, nullptr, 24, "MOV", "(MOV) QuickTime movies", 1, 25},
-    {kNoList, PXM_NOT_BUILT, nullptr, 8, "FLI", "(FLI) FLIC animation", 1, 1037},
-    {kNoList, PXM_NOT_BUILT, nullptr, 8, "FLC", "(FLC) FLIC animation", 1, 1037},
-    {kNoList, PXM_NOT_BUILT, nullptr, 24, "PCD", "(PCD) Kodak Photo-CD", 1, 1},
+     1, kCapsFile | kCapsAnimated | kCapsMotion | kCapsMovie | kCapsReadsFrames},
+    {kNoList, RefuseInfo8, RefuseRead8, ClipboardWrite, nullptr, 24, "CBD", "(CDB) Clipboard", 1,
+     kCapsFile | kCapsVector | kCapsClipboard},
+    {kList5, PXM_NOT_BUILT, nullptr, 24, "CPT", "(CPT) Corel PhotoPAINT", 1,
+     kCapsFile | kCapsCorel},
+    {FitsList, FitsInfo, FitsRead, FitsWrite, nullptr, 24, "FIT", "(FIT) Flex. Image Transport", 1,
+     kCapsFile},
+    {kList5, PXM_NOT_BUILT, nullptr, 24, "CDR", "(CDR) Corel Draw Preview", 1,
+     kCapsFile | kCapsAnimated | kCapsMultiImage},
+    {kNoList, BgaInfo, BgaRead, BgaWrite, nullptr, 24, "BGA", "(BGA) OS/2 Warp", 1,
+     kCapsFile | kCapsAnimated | kCapsMultiImage},
+    {PngList, PngInfo, PngRead, PngWrite, nullptr, 24, "PNG", "(PNG) Portable Netwk Grphcs", 1,
+     kCapsFile},
+    {kNoList, PXM_NOT_BUILT, nullptr, 24, "MPG", "(MPG) MPEG video", 1,
+     kCapsFile | kCapsMotion | kCapsMpeg},
+    {kNoList, PXM_NOT_BUILT, nullptr, 24, "MOV", "(MOV) QuickTime movies", 1,
+     kCapsFile | kCapsMotion | kCapsMovie},
+    {kNoList, PXM_NOT_BUILT, nullptr, 8, "FLI", "(FLI) FLIC animation", 1,
+     kCapsFile | kCapsAnimated | kCapsMotion | kCapsReadsFrames},
+    {kNoList, PXM_NOT_BUILT, nullptr, 8, "FLC", "(FLC) FLIC animation", 1,
+     kCapsFile | kCapsAnimated | kCapsMotion | kCapsReadsFrames},
+    {kNoList, PXM_NOT_BUILT, nullptr, 24, "PCD", "(PCD) Kodak Photo-CD", 1, kCapsFile},
     {kNoList, RefuseInfo5, RefuseRead5, RefuseWrite5, nullptr, 24, "WMF", "(WMF) Windows Metafile",
-     1, 2},
+     1, kCapsVector},
     {kNoList, RefuseInfo5, RefuseRead5, RefuseWrite5, nullptr, 24, "CLP", "(CLP) Windows Clipboard",
-     1, 2},
-    {kNoList, UueInfo, UueRead, RefuseWrite5, nullptr, 24, "UUE", "(UUE) UUEncoded graphics", 1, 1},
-    {kNoList, JpegInfo, JpegRead, JpegWrite, nullptr, 24, "JPE", "(JPE) Jpeg", 1, 1},
-    {kNoList, PXM_NOT_BUILT, nullptr, 24, "DLL", "(DLL) Windows library", 1, 261},
-    {kNoList, PXM_NOT_BUILT, nullptr, 24, "VBX", "(VBX) Windows library", 1, 261},
-    {FitsList, FitsInfo, FitsRead, FitsWrite, nullptr, 24, "FTS", "(FTS) Flex. Image Transport", 1, 1},
+     1, kCapsVector},
+    {kNoList, UueInfo, UueRead, RefuseWrite5, nullptr, 24, "UUE", "(UUE) UUEncoded graphics", 1,
+     kCapsFile},
+    {kNoList, JpegInfo, JpegRead, JpegWrite, nullptr, 24, "JPE", "(JPE) Jpeg", 1, kCapsFile},
+    {kNoList, PXM_NOT_BUILT, nullptr, 24, "DLL", "(DLL) Windows library", 1,
+     kCapsFile | kCapsAnimated | kCapsMultiImage},
+    {kNoList, PXM_NOT_BUILT, nullptr, 24, "VBX", "(VBX) Windows library", 1,
+     kCapsFile | kCapsAnimated | kCapsMultiImage},
+    {FitsList, FitsInfo, FitsRead, FitsWrite, nullptr, 24, "FTS", "(FTS) Flex. Image Transport", 1,
+     kCapsFile},
     {kNoList, nullptr, nullptr, nullptr, nullptr, 0, "", "", 0, 0},
 };
 
 #undef PXM_NOT_BUILT
+
+// The configuration names the rows by this shared list of extensions; both must agree.
+constexpr bool RowsCarryTheSharedExtensions() {
+  for (int row = 0; row < kFormatCount; ++row)
+    if (std::string_view(kTable[row].extension) != kFormatExtensions[static_cast<size_t>(row)])
+      return false;
+  return true;
+}
+static_assert(RowsCarryTheSharedExtensions(), "format rows and kFormatExtensions differ");
+
+// What FormatAt answers for a row number outside the table: a row that refuses everything, so
+// that a bad number reaching a handler call gives a code instead of a wild jump.
+constexpr FormatEntry kNoSuchRow = {
+    kNoList, RefuseInfo8, RefuseRead8, RefuseWrite5, nullptr, 0, "", "", 0, 0};
 
 bool InfoRefuses(InfoHandler h) { return h == nullptr || h == RefuseInfo5 || h == RefuseInfo8; }
 bool ReadRefuses(ReadHandler h) { return h == nullptr || h == RefuseRead5 || h == RefuseRead8; }
@@ -100,7 +138,10 @@ std::span<const FormatEntry, kFormatCount> FormatTable() {
   return std::span<const FormatEntry, kFormatCount>(kTable);
 }
 
-const FormatEntry& FormatAt(int row) { return kTable[row]; }
+const FormatEntry& FormatAt(int row) {
+  if (row < 0 || row >= kFormatCount) return kNoSuchRow;
+  return kTable[row];
+}
 
 namespace {
 

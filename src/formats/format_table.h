@@ -6,6 +6,7 @@
 #include <string_view>
 #include <vector>
 
+#include "config/format_extensions.h"
 #include "core/image_info.h"
 
 namespace pxm {
@@ -49,10 +50,12 @@ struct FormatEntry {
   uint32_t caps;
 };
 
-constexpr int kFormatCount = 42;
+constexpr int kFormatCount = static_cast<int>(kFormatExtensions.size());
 
 // The table, rows 0 to 41 in their fixed order.
 std::span<const FormatEntry, kFormatCount> FormatTable();
+// One row; a number outside the table gets a row without an extension whose handlers refuse
+// with 8 ("Unsupported format"), or 5 for writing.
 const FormatEntry& FormatAt(int row);
 
 // The row for a path's extension (the first three characters after the dot, any case), or -1.

@@ -8,6 +8,7 @@
 #include "core/error_codes.h"
 #include "core/file_io.h"
 #include "core/names.h"
+#include "core/palette_bytes.h"
 #include "formats/comment_source.h"
 #include "formats/gif_blocks.h"
 #include "formats/gif_codec.h"
@@ -28,55 +29,44 @@ struct Pick {
   int codeSize = 0;
 };
 
-// Reads `bytes` of colour table into the palette, or skips them when `palette` is null.
-bool TakeTable(InputFile& in, size_t bytes, Palette* palette) {
-  if (!palette) return in.Skip(bytes);
-  uint8_t table[768];
-  if (!in.ReadExact(table, bytes)) return false;
-  for (size_t i = 0; i < bytes / 3; ++i)
-    (*palette)[i] = Rgb{table[3 * i], table[3 * i + 1], table[3 * i + 2]};
-  return true;
-}
-
 // Walks the blocks to the image the record asks for (the first, unless MultipleImageGIF is on).
-// Colour tables go into `palette` when it is given (the info handler), and are skipped
-// otherwise (the reader). The file ends up at the chosen image's first data sub-block. Stray
-// bytes between blocks are passed over: files with junk between blocks still read.
+// Colour tables go into `palette` when it is given (the info handler): every local table passed
+// on the way is kept in it, over the global one. The file ends up at the chosen image's first
+// data sub-block.
 int Locate(GifFile& g, uint32_t wantedIndex, Palette* palette, Pick& pick) {
-  InputFile& in = g.in;
   pick.width = LoadLe16(g.header + kGifScreenWidth);
   pick.depth = LoadLe16(g.header + kGifScreenHeight);
   pick.bits = g.ScreenBits();
-  if (g.HasGlobalTable() && !TakeTable(in, GifTableBytes(g.header[kGifScreenFlags]), palette))
-    return kReadError;
+  GifBlockWalker walker(g);
+  uint8_t table[kGifMaxTableBytes];
+  size_t tableBytes = 0;
+  if (!walker.ReadGlobalTable(table, tableBytes)) return kReadError;
+  if (palette) PaletteFromBytes({table, tableBytes}, kRgbEntries, *palette);
   const bool multiple = CurrentSettings().MultipleImageGIF != 0;
   uint32_t passed = 0;
-  for (;;) {
-    const int b = in.ReadByte();
-    if (b <= 0) return kOk;  // the end of the file, or a zero, ends the scan with no image
-    if (b == kGifExtensionMark) {
-      SkipExtension(in, in.ReadByte());
-    } else if (b == kGifImageMark) {
-      uint8_t d[kGifDescriptorBytes];
-      if (!in.ReadExact(d, sizeof d)) return kReadError;
-      pick.width = LoadLe16(d + kGifWidth);
-      pick.depth = LoadLe16(d + kGifHeight);
-      pick.flags = d[kGifImageFlags];
-      if (pick.flags & 0x80) {
-        if (!TakeTable(in, GifTableBytes(pick.flags), palette)) return kReadError;
-        pick.bits = (pick.flags & 7u) + 1;
-      }
-      const int codeSize = in.ReadByte();
-      if (codeSize < 0) return kCorruptedFile;
-      pick.codeSize = codeSize;
-      if (!multiple || passed >= wantedIndex) {
-        pick.found = true;
-        return kOk;
-      }
-      ++passed;
-      SkipSubBlocks(in);
+  GifBlock block;
+  while (walker.Next(block)) {
+    if (block.kind != GifBlock::Kind::kImage) continue;
+    if (block.cut == GifBlock::Cut::kInDescriptor || block.cut == GifBlock::Cut::kInTable)
+      return kReadError;
+    const uint8_t* d = block.descriptor;
+    pick.width = LoadLe16(d + kGifWidth);
+    pick.depth = LoadLe16(d + kGifHeight);
+    pick.flags = d[kGifImageFlags];
+    if (pick.flags & 0x80) {
+      if (palette) PaletteFromBytes({block.table, block.tableBytes}, kRgbEntries, *palette);
+      pick.bits = (pick.flags & 7u) + 1;
     }
+    if (block.cut == GifBlock::Cut::kBeforeCodeSize) return kCorruptedFile;
+    pick.codeSize = block.codeSize;
+    if (!multiple || passed >= wantedIndex) {
+      walker.TakeData();
+      pick.found = true;
+      return kOk;
+    }
+    ++passed;
   }
+  return kOk;  // the end of the file, or a zero, ends the scan with no image
 }
 
 bool WriteComment(OutputFile& out, const std::string& text) {
@@ -96,22 +86,19 @@ bool WriteComment(OutputFile& out, const std::string& text) {
 uint32_t GifCountImages(const std::string& path) {
   GifFile g;
   if (g.Open(path) != kOk) return 0;
-  InputFile& in = g.in;
-  if (g.HasGlobalTable()) in.Skip(GifTableBytes(g.header[kGifScreenFlags]));
+  GifBlockWalker walker(g);
+  uint8_t table[kGifMaxTableBytes];
+  size_t tableBytes = 0;
+  walker.ReadGlobalTable(table, tableBytes);
   uint32_t count = 0;
-  for (;;) {
-    const int b = in.ReadByte();
-    if (b <= 0) return count;
-    if (b == kGifExtensionMark) {
-      SkipExtension(in, in.ReadByte());
-    } else if (b == kGifImageMark) {
-      uint8_t d[kGifDescriptorBytes];
-      if (!in.ReadExact(d, sizeof d)) return count;
-      ++count;
-      if (d[kGifImageFlags] & 0x80) in.Skip(GifTableBytes(d[kGifImageFlags]));
-      if (in.ReadByte() < 0 || !SkipSubBlocks(in)) return count;
-    }
+  GifBlock block;
+  while (walker.Next(block)) {
+    if (block.kind != GifBlock::Kind::kImage) continue;
+    if (block.cut == GifBlock::Cut::kInDescriptor) return count;
+    ++count;
+    if (block.cut != GifBlock::Cut::kNone || !walker.SkipData()) return count;
   }
+  return count;
 }
 
 int GifReadComments(ImageInfo& /*info*/, const std::string& path, std::string& text) {
@@ -119,33 +106,24 @@ int GifReadComments(ImageInfo& /*info*/, const std::string& path, std::string& t
   const int code = g.Open(path);
   if (code == kOpenError) return kOpenError;
   if (code != kOk) return kOk;
-  InputFile& in = g.in;
-  if (g.HasGlobalTable()) in.Skip(GifTableBytes(g.header[kGifScreenFlags]));
-  for (;;) {
-    const int b = in.ReadByte();
-    if (b <= 0) return kOk;
-    if (b == kGifImageMark) {
-      uint8_t d[kGifDescriptorBytes];
-      if (!in.ReadExact(d, sizeof d)) return kOk;
-      if (d[kGifImageFlags] & 0x80) in.Skip(GifTableBytes(d[kGifImageFlags]));
-      in.ReadByte();
-      SkipSubBlocks(in);
-    } else if (b == kGifExtensionMark) {
-      const int label = in.ReadByte();
-      if (label != kGifPlainText && label != kGifComment) {
-        SkipExtension(in, label);
-        continue;
-      }
-      uint8_t fixed[13];
-      if (label == kGifPlainText) in.Read(fixed, sizeof fixed);
+  GifBlockWalker walker(g);
+  uint8_t table[kGifMaxTableBytes];
+  size_t tableBytes = 0;
+  walker.ReadGlobalTable(table, tableBytes);
+  GifBlock block;
+  while (walker.Next(block)) {
+    if (block.kind == GifBlock::Kind::kImage) {
+      if (block.cut == GifBlock::Cut::kInDescriptor) return kOk;
+    } else if (block.label == kGifPlainText || block.label == kGifComment) {
       std::string one;
-      GatherSubBlocks(in, one, kMaxCommentBytes);
+      walker.GatherData(one, kMaxCommentBytes);
       // Each text goes on as a zero-terminated string.
       one.resize(one.find('\0') == std::string::npos ? one.size() : one.find('\0'));
       if (!text.empty()) text += '\r';
       text += one;
     }
   }
+  return kOk;
 }
 
 int GifInfo(ImageInfo& info, const std::string& path, int /*purpose*/) {
@@ -164,6 +142,10 @@ int GifInfo(ImageInfo& info, const std::string& path, int /*purpose*/) {
   info.depth = static_cast<int32_t>(pick.depth);
   info.bits = pick.bits;
   if (!pick.found) return kCorruptedFile;
+  // An LZW code of w bits stands for fewer than 2^w pixels, so a byte of data makes fewer than
+  // 2731 at the widest codes (4096 / 12 a bit).
+  if (!FileCouldHold(g.in.Size(), g.in.Tell(), PackedPictureBytes(pick.width, pick.depth, 8), 2731))
+    return kCorruptedFile;
   info.flags = pick.flags;
   info.unpackedSize = UnpackedSize(info.width, info.bits, info.depth);
   // One-bit pictures always show black and white, whatever their colour table says.
@@ -212,11 +194,7 @@ int GifWrite(ImageInfo& info, const std::string& path) {
   if (!out.Write(h, sizeof h)) return kWriteError;
   uint8_t table[768];
   const size_t colours = size_t{1} << bits;
-  for (size_t i = 0; i < colours; ++i) {
-    table[3 * i] = info.palette[i].red;
-    table[3 * i + 1] = info.palette[i].green;
-    table[3 * i + 2] = info.palette[i].blue;
-  }
+  PaletteToBytes(info.palette, kRgbEntries, {table, 3 * colours});
   if (!out.Write(table, 3 * colours)) return kWriteError;
 
   // The descriptor's table size carries bits - 1 although no local table follows; readers of

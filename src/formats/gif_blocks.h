@@ -58,17 +58,62 @@ struct GifFile {
 constexpr size_t GifTableBytes(uint8_t flags) {
   return 3u << ((flags & 7u) + 1);
 }
+constexpr size_t kGifMaxTableBytes = 768;
 
-// Skips data sub-blocks up to the zero length; a failed read counts as that zero. Answers
-// whether the terminator was reached inside the file.
-bool SkipSubBlocks(InputFile& in);
+// One image or extension, as the walker found it.
+struct GifBlock {
+  enum class Kind { kImage, kExtension };
+  // Where the file ended inside an image's head, if it did.
+  enum class Cut { kNone, kInDescriptor, kInTable, kBeforeCodeSize };
 
-// Skips an extension whose label has been read, by the label's fixed part: plain text 13
-// bytes, then sub-blocks; graphic control its 6 bytes and nothing more; application 12 bytes,
-// then sub-blocks; comments and anything else sub-blocks.
-void SkipExtension(InputFile& in, int label);
+  Kind kind = Kind::kImage;
+  // An image: its descriptor, its local colour table when its flags have one, and the code
+  // size of its data, each there unless `cut` says the file ended before it.
+  Cut cut = Cut::kNone;
+  uint8_t descriptor[kGifDescriptorBytes] = {};
+  uint8_t table[kGifMaxTableBytes] = {};
+  size_t tableBytes = 0;
+  int codeSize = 0;
+  // An extension: its label and the fixed part that label has before any data sub-blocks
+  // (plain text 13 bytes, graphic control 6 with its terminator, application 12), zeros where
+  // the file ended.
+  int label = 0;
+  uint8_t fixed[13] = {};
+};
 
-// Appends the payload of data sub-blocks to `text`, keeping at most `limit` bytes.
-void GatherSubBlocks(InputFile& in, std::string& text, size_t limit);
+// Walks the blocks of a GIF file, shared by info, the reader, the image count, the comment
+// reader and the block report. Every read is bounded by the file; what a block holds past its
+// fixed parts (data sub-blocks) is skipped unless the caller takes it.
+class GifBlockWalker {
+ public:
+  // Starts after the header `file` has found.
+  explicit GifBlockWalker(GifFile& file) : file_(file) {}
+
+  // Reads the global colour table, when the screen has one, into `table` (at most 768 bytes;
+  // `bytes` says how many). False when the file ends inside it.
+  bool ReadGlobalTable(uint8_t* table, size_t& bytes);
+
+  // The next image or extension. Bytes between blocks that start neither are passed over:
+  // files with junk between blocks still read. The data of the block before that the caller
+  // did not take is skipped first. False at the end of the file or at a zero byte, which end
+  // the walk.
+  bool Next(GifBlock& block);
+
+  // The data sub-blocks of the block in hand, skipped: true when their terminator was reached
+  // inside the file.
+  bool SkipData();
+  // The payload of the data sub-blocks of the block in hand appended to `text`, at most `limit`
+  // bytes kept.
+  void GatherData(std::string& text, size_t limit);
+  // The file at the data of the image in hand, for its decoder; the data counts as taken.
+  InputFile& TakeData() {
+    dataPending_ = false;
+    return file_.in;
+  }
+
+ private:
+  GifFile& file_;
+  bool dataPending_ = false;
+};
 
 }  // namespace pxm

@@ -5,14 +5,8 @@
 #include "core/file_io.h"
 #include "core/image_info.h"
 
-// The GIF codec library: LZW coding of GIF image data, also used by the TIFF reader.
+// The GIF codec library: LZW coding of GIF image data.
 namespace pxm {
-
-// Whether LZW coding is switched off in this build: 0 means it is allowed. LZW is always
-// allowed here.
-inline int GifIsLzw() {
-  return 0;
-}
 
 // Image flags bit: rows are stored in the four interlaced passes.
 constexpr uint32_t kGifInterlaced = 0x40;

@@ -27,10 +27,11 @@ void Heading(ReportLines& out, const char* title) {
 }
 
 // Answers false when the file ended inside the image.
-bool ReportImage(InputFile& in, uint32_t screenBits, ReportLines& out) {
+bool ReportImage(GifBlockWalker& walker, const GifBlock& block, uint32_t screenBits,
+                 ReportLines& out) {
   Heading(out, "IMAGE BLOCK");
-  uint8_t d[kGifDescriptorBytes];
-  if (!in.ReadExact(d, sizeof d)) return false;
+  if (block.cut == GifBlock::Cut::kInDescriptor) return false;
+  const uint8_t* d = block.descriptor;
   const uint8_t flags = d[kGifImageFlags];
   const bool local = (flags & 0x80) != 0;
   out.Add(FormatText("Image dimensions:\t %u by %u", LoadLe16(d + kGifWidth),
@@ -38,27 +39,21 @@ bool ReportImage(InputFile& in, uint32_t screenBits, ReportLines& out) {
   out.Add(FormatText("Image bits:\t\t %u", local ? (flags & 7u) + 1 : screenBits));
   out.Add(FormatText("Local palette:\t\t %s", YesNo(local)));
   out.Add(FormatText("Interlaced:\t\t %s", YesNo((flags & 0x40) != 0)));
-  if (local && (!in.Skip(GifTableBytes(flags)) || in.Tell() > in.Size())) return false;
-  return in.ReadByte() >= 0 && SkipSubBlocks(in);
+  return block.cut == GifBlock::Cut::kNone && walker.SkipData();
 }
 
-void ReportPlainText(InputFile& in, ReportLines& out) {
+void ReportPlainText(const uint8_t* b, ReportLines& out) {
   Heading(out, "PLAIN TEXT BLOCK");
-  uint8_t b[13] = {};
-  in.Read(b, sizeof b);
   out.Add(FormatText("This block requires %u bytes", unsigned{b[0]}));
   out.Add(FormatText("Text location at (%u,%u)", LoadLe16(b + 1), LoadLe16(b + 3)));
   out.Add(FormatText("Grid dimensions are %u by %u", LoadLe16(b + 5), LoadLe16(b + 7)));
   out.Add(FormatText("Cell dimensions are %u by %u", unsigned{b[9]}, unsigned{b[10]}));
   out.Add(FormatText("Foregound colour is %u", unsigned{b[11]}));
   out.Add(FormatText("Background colour is %u", unsigned{b[12]}));
-  SkipSubBlocks(in);
 }
 
-void ReportControl(InputFile& in, ReportLines& out) {
+void ReportControl(const uint8_t* b, ReportLines& out) {
   Heading(out, "CONTROL BLOCK");
-  uint8_t b[6] = {};
-  in.Read(b, sizeof b);
   out.Add(FormatText("This block requires %u bytes", unsigned{b[0]}));
   static const char* const kDisposal[] = {"No disposal specified", "Do not dispose",
                                           "Dispose to background colour",
@@ -75,22 +70,20 @@ void ReportControl(InputFile& in, ReportLines& out) {
     out.Add("No transparent colour");
 }
 
-void ReportComment(InputFile& in, ReportLines& out) {
+void ReportComment(GifBlockWalker& walker, ReportLines& out) {
   Heading(out, "COMMENT BLOCK");
   std::string text;
-  GatherSubBlocks(in, text, SIZE_MAX);
+  walker.GatherData(text, SIZE_MAX);
   out.AddText(text);
 }
 
-void ReportApplication(InputFile& in, ReportLines& out) {
+void ReportApplication(GifBlockWalker& walker, const uint8_t* b, ReportLines& out) {
   Heading(out, "GIF APPLICATION BLOCK");
-  uint8_t b[12] = {};
-  in.Read(b, sizeof b);
   char id[9] = {};
   std::memcpy(id, b + 1, 8);
   out.Add(FormatText("GIF APPLICATION identification string: %.8s", id));
   std::string text;
-  GatherSubBlocks(in, text, SIZE_MAX);
+  walker.GatherData(text, SIZE_MAX);
   out.AddText(text);
 }
 
@@ -119,39 +112,39 @@ int GifList(ImageInfo& /*info*/, const std::string& path, std::vector<std::strin
   out.Add(FormatText("Screen bits: \t\t %u", g.ScreenBits()));
   out.Add(FormatText("Background colour:\t %u", unsigned{g.header[kGifBackground]}));
   out.Add(FormatText("Global palette:\t\t %s", YesNo(g.HasGlobalTable())));
-  if (g.HasGlobalTable()) in.Skip(GifTableBytes(g.header[kGifScreenFlags]));
+  GifBlockWalker walker(g);
+  uint8_t table[kGifMaxTableBytes];
+  size_t tableBytes = 0;
+  walker.ReadGlobalTable(table, tableBytes);
 
-  for (;;) {
-    const int b = in.ReadByte();
-    if (b <= 0) break;
-    if (b == kGifImageMark) {
-      if (!ReportImage(in, g.ScreenBits(), out)) {
+  GifBlock block;
+  while (walker.Next(block)) {
+    if (block.kind == GifBlock::Kind::kImage) {
+      if (!ReportImage(walker, block, g.ScreenBits(), out)) {
         out.Add(LoadMessage(kStrSeparator));
         out.Add("Unexpected end of image");
         break;
       }
-    } else if (b == kGifExtensionMark) {
-      const int label = in.ReadByte();
-      switch (label) {
-        case kGifPlainText:
-          ReportPlainText(in, out);
-          break;
-        case kGifControl:
-          ReportControl(in, out);
-          break;
-        case kGifComment:
-          ReportComment(in, out);
-          break;
-        case kGifApplication:
-          ReportApplication(in, out);
-          break;
-        default:
-          if (label < 0) return kOk;
-          out.Add("");
-          out.Add(FormatText("Skipping unknown extension type %.2X", static_cast<unsigned>(label)));
-          SkipSubBlocks(in);
-          break;
-      }
+      continue;
+    }
+    switch (block.label) {
+      case kGifPlainText:
+        ReportPlainText(block.fixed, out);
+        break;
+      case kGifControl:
+        ReportControl(block.fixed, out);
+        break;
+      case kGifComment:
+        ReportComment(walker, out);
+        break;
+      case kGifApplication:
+        ReportApplication(walker, block.fixed, out);
+        break;
+      default:
+        out.Add("");
+        out.Add(
+            FormatText("Skipping unknown extension type %.2X", static_cast<unsigned>(block.label)));
+        break;
     }
   }
   return kOk;

@@ -10,14 +10,15 @@
 #include "core/error_codes.h"
 #include "core/file_io.h"
 #include "core/names.h"
+#include "core/palette_bytes.h"
 #include "core/pixels.h"
 #include "core/row_format.h"
 #include "core/signature.h"
 #include "core/strings.h"
 #include "formats/bit_planes.h"
 #include "formats/byte_run1.h"
-#include "formats/report_list.h"
 #include "formats/info_start.h"
+#include "formats/report_list.h"
 
 namespace pxm {
 namespace {
@@ -232,16 +233,15 @@ int IffInfo(ImageInfo& info, const std::string& path, int /*purpose*/) {
       uint8_t map[kPaletteBytes] = {};
       const uint64_t n = std::min(c.length, kPaletteBytes);
       if (!in.ReadExact(map, static_cast<size_t>(n))) return kReadError;
-      for (size_t i = 0; i < n / 3; ++i)
-        info.palette[i] = Rgb{map[3 * i], map[3 * i + 1], map[3 * i + 2]};
+      PaletteFromBytes({map, static_cast<size_t>(n)}, kRgbEntries, info.palette);
       if (n % 3) {
         // A part entry keeps the colours it has.
         Rgb& e = info.palette[n / 3];
         e.red = map[n - n % 3];
         if (n % 3 == 2) e.green = map[n - 1];
       }
-      // An oversized colour map sends the walk to the absolute offset length - 768, as this
-      // program has always done; a file that sends it round in a circle is damaged.
+      // An oversized colour map sends the walk to the absolute offset length - 768 (difference
+      // D36 of the differences table); a file that sends it round in a circle is damaged.
       if (c.length > kPaletteBytes) {
         if (std::find(cmapSeeks.begin(), cmapSeeks.end(), c.dataStart) != cmapSeeks.end())
           return kCorruptedFile;
@@ -263,7 +263,7 @@ int IffInfo(ImageInfo& info, const std::string& path, int /*purpose*/) {
   info.unpackedSize = static_cast<uint32_t>(bm.LineLength() * static_cast<uint64_t>(bm.depth));
   // No planes, or a body the file cannot hold, mean damage; refusing here keeps an absurd size
   // from ever reaching the image store.
-  if (bm.planes == 0 || LeastBodyBytes(bm) > in.Size() - std::min(bodyStart, in.Size()))
+  if (bm.planes == 0 || !FileCouldHold(in.Size(), bodyStart, LeastBodyBytes(bm), 1))
     return kCorruptedFile;
   if (info.bits == 1) {
     info.palette[0] = Rgb{0, 0, 0};
@@ -346,9 +346,9 @@ int IffWrite(ImageInfo& info, const std::string& path) {
     uint8_t size[4];
     StoreBe32(size, 3 * entries);
     head += "CMAP" + std::string(reinterpret_cast<const char*>(size), 4);
-    for (uint32_t i = 0; i < entries; ++i)
-      head += {static_cast<char>(info.palette[i].red), static_cast<char>(info.palette[i].green),
-               static_cast<char>(info.palette[i].blue)};
+    uint8_t map[kPaletteBytes];
+    PaletteToBytes(info.palette, kRgbEntries, {map, 3 * size_t{entries}});
+    head.append(reinterpret_cast<const char*>(map), 3 * size_t{entries});
   }
   // The annotation is the signature, its terminator and the byte that follows it in the
   // signature's storage, 128, which pads the text to an even length; files from this program

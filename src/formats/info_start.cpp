@@ -19,9 +19,13 @@ int OpenForInfo(ImageInfo& info, const std::string& path, InputFile& in) {
 }
 
 uint64_t PackedPictureBytes(uint32_t width, uint64_t depth, uint32_t bits) {
-  const uint64_t rowBytes = (static_cast<uint64_t>(width) * bits + 7) / 8;
-  if (rowBytes != 0 && depth > UINT64_MAX / rowBytes) return UINT64_MAX;
-  return rowBytes * depth;
+  // Width and bits are 32-bit: their product, and the 7 added to it, fit in 64 bits.
+  return RowsBytes((static_cast<uint64_t>(width) * bits + 7) / 8, depth);
+}
+
+uint64_t RowsBytes(uint64_t rowBytes, uint64_t rows) {
+  if (rowBytes != 0 && rows > UINT64_MAX / rowBytes) return UINT64_MAX;
+  return rowBytes * rows;
 }
 
 bool FileCouldHold(uint64_t fileBytes, uint64_t headerBytes, uint64_t pictureBytes,

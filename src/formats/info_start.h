@@ -16,8 +16,11 @@ void StartInfo(ImageInfo& info, const std::string& path);
 int OpenForInfo(ImageInfo& info, const std::string& path, InputFile& in);
 
 // Bytes of a picture of `width` × `depth` at `bits` per pixel packed tightly row by row (rows
-// rounded up to whole bytes), without overflow for any 32-bit size.
+// rounded up to whole bytes); UINT64_MAX for a size beyond 64 bits.
 uint64_t PackedPictureBytes(uint32_t width, uint64_t depth, uint32_t bits);
+
+// Bytes of `rows` rows of `rowBytes` each; UINT64_MAX for a size beyond 64 bits.
+uint64_t RowsBytes(uint64_t rowBytes, uint64_t rows);
 
 // Whether a file of `fileBytes` could hold `pictureBytes` of pixels stored after `headerBytes`,
 // when one byte of the file decodes to at most `bestRatio` bytes of picture (1 for raw data; a

@@ -7,6 +7,7 @@
 
 #include "config/settings.h"
 #include "core/error_codes.h"
+#include "core/host.h"
 #include "core/names.h"
 #include "core/pixels.h"
 #include "core/row_format.h"
@@ -220,11 +221,19 @@ int DoInfo(ImageInfo& info, const std::string& path, int purpose) {
   InputFile file;
   if (int code = OpenForInfo(info, path, file)) return code;
   Decompressor d;
+  d.errors.file = path.c_str();
   d.Attach(file);
   HeaderJob job{&d};
   if (int code = RunGuarded(d.errors, CreateAndReadHeader, &job)) return code;
 
   const jpeg_decompress_struct& c = d.cinfo;
+  // Huffman coding spends at least a bit on every 8 x 8 block of every component, and the blocks
+  // of all components together are at least one for every 128 pixels (half of them where two
+  // components take the full width and the full height between them): a byte covers at most
+  // 1024 pixels. Arithmetic coding has no such floor and is not judged.
+  if (!c.arith_code &&
+      !FileCouldHold(file.Size(), 0, PackedPictureBytes(c.image_width, c.image_height, 8), 1024))
+    return kCorruptedFile;
   info.width = c.image_width;
   info.depth = static_cast<int32_t>(c.image_height);
   info.privateWords[0] = 1;
@@ -263,6 +272,7 @@ int DoRead(ImageInfo& info, const std::string& path) {
   if (!file.Open(path)) return kOpenError;
   info.fileSize = static_cast<int32_t>(file.Size());
   Decompressor d;
+  d.errors.file = path.c_str();
   d.Attach(file);
   HeaderJob header{&d};
   if (int code = RunGuarded(d.errors, CreateAndReadHeader, &header)) return code;
@@ -275,6 +285,8 @@ int DoRead(ImageInfo& info, const std::string& path) {
   }
   ReadJob job{&d, &info, d.cinfo.jpeg_color_space == JCS_GRAYSCALE, s.ReadJpegRgb == 0,
               s.DitherOnJpegRead != 0};
+  // A photograph quietly kept to 256 colours surprises people converting it: say so, once.
+  if (job.quantize && !job.grey) HostOf(info).Notify(Notice::kJpegReadAs256Colours);
   return RunGuarded(d.errors, DecodeRows, &job);
 }
 
@@ -282,6 +294,7 @@ int DoWrite(ImageInfo& info, const std::string& path) {
   OutputFile file;
   if (!file.Create(path)) return kCreateError;
   Compressor c;
+  c.errors.file = path.c_str();
   c.buffer.resize(kIoBufferSize);
   c.destination.file = &file;
   c.destination.buffer = c.buffer.data();

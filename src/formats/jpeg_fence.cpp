@@ -1,9 +1,10 @@
 #include "formats/jpeg_fence.h"
 
-#include <cstdlib>
-
 #include <jerror.h>  // needs jpeglib.h first
 
+#include <cstdlib>
+
+#include "core/debug_log.h"
 #include "core/error_codes.h"
 
 namespace pxm {
@@ -11,6 +12,11 @@ namespace {
 
 [[noreturn]] void ErrorExit(j_common_ptr cinfo) {
   auto* errors = reinterpret_cast<JpegErrorJump*>(cinfo->err);
+  if (DebugLogEnabled()) {
+    char message[JMSG_LENGTH_MAX];
+    cinfo->err->format_message(cinfo, message);
+    DebugLog("libjpeg", errors->file, message);
+  }
   std::longjmp(errors->jump, 1);
 }
 

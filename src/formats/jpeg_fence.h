@@ -18,10 +18,12 @@ namespace pxm {
 struct JpegErrorJump {
   jpeg_error_mgr manager;  // first, so libjpeg's pointer to it is a pointer to the whole
   std::jmp_buf jump;
+  const char* file = "";  // named in the debug log with libjpeg's message
 };
 
 // Installs the jumping error_exit and a message method that says nothing: warnings about odd
-// data are no business of the user's, only a fatal condition is.
+// data are no business of the user's, only a fatal condition is, and its message goes to the
+// debug log before the jump.
 jpeg_error_mgr* InitJpegErrors(JpegErrorJump& errors);
 
 // Runs body(job) with the jump armed; answers what the body answered, or 6 ("Memory error")

@@ -8,11 +8,12 @@
 #include "core/bytes.h"
 #include "core/error_codes.h"
 #include "core/file_io.h"
+#include "core/fixed_palette.h"
 #include "core/names.h"
+#include "core/palette_bytes.h"
 #include "core/row_format.h"
-#include "formats/pcx_rle.h"
-#include "thumbs/fixed_palette.h"
 #include "formats/info_start.h"
+#include "formats/pcx_rle.h"
 
 namespace pxm {
 namespace {
@@ -88,10 +89,7 @@ bool Describable(const Header& h) {
 }
 
 void LoadHeaderPalette(const uint8_t* h, Palette& palette) {
-  for (size_t i = 0; i < 16; ++i) {
-    const uint8_t* p = h + kHeaderPalette + 3 * i;
-    palette[i] = Rgb{p[0], p[1], p[2]};
-  }
+  PaletteFromBytes({h + kHeaderPalette, 16 * 3}, kRgbEntries, palette);
 }
 
 int LoadPalette(InputFile& in, const uint8_t* h, const Header& header, Palette& palette) {
@@ -111,8 +109,7 @@ int LoadPalette(InputFile& in, const uint8_t* h, const Header& header, Palette& 
     }
     uint8_t table[kTrailerBytes];
     if (!in.ReadExact(table, sizeof table)) return kReadError;
-    for (size_t i = 0; i < 256; ++i)
-      palette[i] = Rgb{table[3 * i], table[3 * i + 1], table[3 * i + 2]};
+    PaletteFromBytes(table, kRgbEntries, palette);
   } else if (header.version == 3) {
     std::copy_n(PcxDefaultPalette().begin(), 16, palette.begin());
   } else {
@@ -121,8 +118,8 @@ int LoadPalette(InputFile& in, const uint8_t* h, const Header& header, Palette& 
   return kOk;
 }
 
-// Bytes decoded for one row. A 2-bit single-plane file is taken as two planes of one bit: that is
-// how the program has always read it.
+// Bytes decoded for one row. A 2-bit single-plane file is taken as two planes of one bit
+// (difference D8 of the differences table).
 int64_t EncodedLineLength(const Header& h) {
   if (h.bits >= 2 && h.bits <= 4 && !h.FourBitsOnePlane()) return int64_t{h.bytesPerLine} * h.bits;
   if (h.bits == 24) return int64_t{h.bytesPerLine} * 3;
@@ -270,6 +267,12 @@ int PcxInfo(ImageInfo& info, const std::string& path, int /*purpose*/) {
     return kCorruptedFile;
   const Header header = ParseHeader(h);
   if (!Describable(header)) return kCorruptedFile;
+  // A run pair codes at most 63 bytes, and the coded lines hold at least the picture's pixels.
+  if (!FileCouldHold(in.Size(), kHeaderBytes,
+                     PackedPictureBytes(static_cast<uint32_t>(header.width),
+                                        static_cast<uint64_t>(header.depth), header.bits),
+                     32))
+    return kCorruptedFile;
   info.width = static_cast<uint32_t>(header.width);
   info.depth = header.depth;
   info.bits = header.bits;
@@ -329,11 +332,7 @@ int PcxWrite(ImageInfo& info, const std::string& path) {
   StoreLe16(h + kYMax, static_cast<uint32_t>(info.depth - 1));
   StoreLe16(h + kHorizontalDpi, 300);
   StoreLe16(h + kVerticalDpi, 300);
-  for (size_t i = 0; i < 16; ++i) {
-    h[kHeaderPalette + 3 * i] = info.palette[i].red;
-    h[kHeaderPalette + 3 * i + 1] = info.palette[i].green;
-    h[kHeaderPalette + 3 * i + 2] = info.palette[i].blue;
-  }
+  PaletteToBytes(info.palette, kRgbEntries, {h + kHeaderPalette, 16 * 3});
   h[kPlanes] = layout.planes;
   StoreLe16(h + kBytesPerLine, layout.bytesPerLine);
   StoreLe16(h + kPaletteInfo, layout.paletteInfo);
@@ -344,11 +343,7 @@ int PcxWrite(ImageInfo& info, const std::string& path) {
   if (info.bits >= 5 && info.bits <= 8) {
     uint8_t trailer[1 + kTrailerBytes];
     trailer[0] = kTrailerMark;
-    for (size_t i = 0; i < 256; ++i) {
-      trailer[1 + 3 * i] = info.palette[i].red;
-      trailer[2 + 3 * i] = info.palette[i].green;
-      trailer[3 + 3 * i] = info.palette[i].blue;
-    }
+    PaletteToBytes(info.palette, kRgbEntries, {trailer + 1, kTrailerBytes});
     if (!out.Write(trailer, sizeof trailer)) return kWriteError;
   }
   return out.Commit() ? kOk : kWriteError;

@@ -11,7 +11,8 @@ namespace pxm {
 
 // Decodes rows of one file. The pending run count and the last byte read outlive a row: a run
 // cut off at the end of a row goes on at the start of the next, which is how PCX writers have
-// always been allowed to code. The count is cleared only when row 0 is asked for.
+// always been allowed to code. The count is cleared only when row 0 is asked for, which is why a
+// line without a count byte spoils the next (difference D10 of the differences table).
 class PcxRowDecoder {
  public:
   // Decodes `n` bytes into `out`, which must hold n + 1 bytes: a literal read after the row is

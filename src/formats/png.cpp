@@ -9,18 +9,18 @@
 #include "core/bytes.h"
 #include "core/error_codes.h"
 #include "core/file_io.h"
+#include "core/fixed_palette.h"
 #include "core/names.h"
+#include "core/palette_bytes.h"
 #include "core/row_format.h"
 #include "core/strings.h"
 #include "formats/comment_source.h"
-#include "formats/png_codec.h"
-#include "thumbs/fixed_palette.h"
 #include "formats/info_start.h"
+#include "formats/png_chunks.h"
+#include "formats/png_codec.h"
 
 namespace pxm {
 namespace {
-
-constexpr uint8_t kSignature[8] = {137, 80, 78, 71, 13, 10, 26, 10};
 
 // Offsets in the 13 bytes of IHDR; numbers are big-endian.
 enum HeaderOffset : size_t {
@@ -32,10 +32,26 @@ enum HeaderOffset : size_t {
   kFilter = 11,
   kInterlace = 12,
 };
-constexpr size_t kHeaderBytes = 13;
 
-bool Is(const uint8_t* type, const char* name) {
-  return std::memcmp(type, name, 4) == 0;
+// Samples a pixel of a colour type holds, when the bit depth is one the type allows; 0 for
+// a combination the format does not have.
+uint32_t SamplesPerPixel(uint8_t colourType, uint8_t bitDepth) {
+  const bool wide = bitDepth == 8 || bitDepth == 16;
+  const bool narrow = bitDepth == 1 || bitDepth == 2 || bitDepth == 4;
+  switch (colourType) {
+    case 0:
+      return wide || narrow ? 1 : 0;
+    case 2:
+      return wide ? 3 : 0;
+    case 3:
+      return bitDepth != 16 && (wide || narrow) ? 1 : 0;
+    case 4:
+      return wide ? 2 : 0;
+    case 6:
+      return wide ? 4 : 0;
+    default:
+      return 0;
+  }
 }
 
 // A whole chunk: length, type, data and the CRC over type and data.
@@ -143,61 +159,54 @@ int PngInfo(ImageInfo& info, const std::string& path, int /*purpose*/) {
   InputFile in;
   if (!in.Open(path)) return kOpenError;
   info.fileSize = static_cast<int32_t>(in.Size());
-  uint8_t signature[8];
-  if (!in.ReadExact(signature, 8)) return kReadError;
-  if (std::memcmp(signature, kSignature, 8) != 0) return kCorruptedFile;
+  PngChunkReader chunks(in);
+  uint8_t h[kPngHeaderBytes];
+  if (int code = chunks.StartWithHeader(h)) return code;
   info.palette[0] = Rgb{0, 0, 0};
   info.palette[1] = Rgb{255, 255, 255};
 
-  bool haveHeader = false;
-  for (;;) {
-    uint8_t head[8];
-    if (!in.ReadExact(head, 8)) return kReadError;
-    const uint32_t length = LoadBe32(head);
-    const uint8_t* type = head + 4;
-    const uint64_t data = in.Tell();
-    if (Is(type, "IHDR")) {
-      uint8_t h[kHeaderBytes];
-      if (!in.ReadExact(h, sizeof h)) return kReadError;
-      const uint32_t width = LoadBe32(h + kWidth);
-      const uint32_t height = LoadBe32(h + kHeight);
-      // The format allows 1 to 2^31 - 1 each way; nothing else can describe a picture.
-      if (width == 0 || height == 0 || width > 0x7FFFFFFF || height > 0x7FFFFFFF)
-        return kCorruptedFile;
-      haveHeader = true;
-      info.width = width;
-      info.depth = static_cast<int32_t>(height);
-      info.bits = h[kBitDepth];
-      // Eight pixels a byte's worth of width whatever the depth, as the record has always said.
-      info.unpackedSize = static_cast<uint32_t>(((width + 7u) & ~7u) * height);
-      info.description = LoadMessage(h[kInterlace] == 0 ? kStrNoInterlace : kStrAdam7Interlace);
-      switch (h[kColourType]) {
-        case 0:
-          PngGreyRamp(info.bits, info.palette);
-          break;
-        case 2:
-        case 6:
-          info.bits = 24;
-          info.palette = ThumbGetPalette(0);
-          break;
-        case 4:
-          info.bits = 8;
-          PngGreyRamp(8, info.palette);
-          break;
-        default:
-          break;  // 3, palette: the bit depth, and the colours from PLTE
-      }
-    } else if (Is(type, "PLTE")) {
-      uint8_t table[768];
-      const size_t n = in.Read(table, std::min<size_t>(length, sizeof table));
-      for (size_t i = 0; i < n / 3; ++i)
-        info.palette[i] = Rgb{table[3 * i], table[3 * i + 1], table[3 * i + 2]};
-    } else if (Is(type, "IEND")) {
+  const uint32_t width = LoadBe32(h + kWidth);
+  const uint32_t height = LoadBe32(h + kHeight);
+  // The format allows 1 to 2^31 - 1 each way; nothing else can describe a picture.
+  if (width == 0 || height == 0 || width > 0x7FFFFFFF || height > 0x7FFFFFFF) return kCorruptedFile;
+  const uint32_t samples = SamplesPerPixel(h[kColourType], h[kBitDepth]);
+  if (samples == 0) return kCorruptedFile;
+  // Deflate makes at most 1032 bytes of one, and the rows hold at least their pixels.
+  if (!FileCouldHold(in.Size(), sizeof kPngSignature + 12 + kPngHeaderBytes,
+                     PackedPictureBytes(width, height, samples * h[kBitDepth]), 1032))
+    return kCorruptedFile;
+  info.width = width;
+  info.depth = static_cast<int32_t>(height);
+  info.bits = h[kBitDepth];
+  // Eight pixels a byte's worth of width whatever the depth, as the record has always said.
+  info.unpackedSize = static_cast<uint32_t>(((width + 7u) & ~7u) * height);
+  info.description = LoadMessage(h[kInterlace] == 0 ? kStrNoInterlace : kStrAdam7Interlace);
+  switch (h[kColourType]) {
+    case 0:
+      PngGreyRamp(info.bits, info.palette);
       break;
-    }
-    if (!in.Seek(data + length + 4)) return kReadError;
+    case 2:
+    case 6:
+      info.bits = 24;
+      info.palette = ThumbGetPalette(0);
+      break;
+    case 4:
+      info.bits = 8;
+      PngGreyRamp(8, info.palette);
+      break;
+    default:
+      break;  // 3, palette: the bit depth, and the colours from PLTE
   }
-  return haveHeader ? kOk : kCorruptedFile;
+
+  while (chunks.Next()) {
+    if (chunks.Is("PLTE")) {
+      uint8_t table[768];
+      PaletteFromBytes({table, chunks.Read(table)}, kRgbEntries, info.palette);
+    } else if (chunks.Is("IEND")) {
+      return kOk;
+    }
+  }
+  return kReadError;  // the file ends before IEND
 }
 
 int PngRead(ImageInfo& info, const std::string& path) {
@@ -214,8 +223,8 @@ int PngWrite(ImageInfo& info, const std::string& path) {
 
   OutputFile out;
   if (!out.Create(path)) return kCreateError;
-  if (!out.Write(kSignature, sizeof kSignature)) return kWriteError;
-  uint8_t h[kHeaderBytes] = {};
+  if (!out.Write(kPngSignature, sizeof kPngSignature)) return kWriteError;
+  uint8_t h[kPngHeaderBytes] = {};
   StoreBe32(h + kWidth, info.width);
   StoreBe32(h + kHeight, static_cast<uint32_t>(info.depth));
   h[kBitDepth] = layout.bitDepth;
@@ -237,11 +246,7 @@ int PngWrite(ImageInfo& info, const std::string& path) {
     }
     uint8_t table[768];
     const size_t entries = size_t{1} << layout.bitDepth;
-    for (size_t i = 0; i < entries; ++i) {
-      table[3 * i] = info.palette[i].red;
-      table[3 * i + 1] = info.palette[i].green;
-      table[3 * i + 2] = info.palette[i].blue;
-    }
+    PaletteToBytes(info.palette, kRgbEntries, {table, 3 * entries});
     if (!WriteChunk(out, "PLTE", table, 3 * entries)) return kWriteError;
   }
   if (int code = WriteImage(info, out, layout, level)) return code;

@@ -16,13 +16,12 @@
 #include "core/file_io.h"
 #include "core/strings.h"
 #include "formats/png.h"
-#include "formats/png_codec.h"
+#include "formats/png_chunks.h"
 #include "formats/report_lines.h"
 
 namespace pxm {
 namespace {
 
-constexpr uint8_t kSignature[8] = {137, 80, 78, 71, 13, 10, 26, 10};
 // The most of a chunk the report looks at, and of a text the comment reader keeps.
 constexpr size_t kReportData = 4096;
 constexpr size_t kCommentData = 8192;
@@ -132,37 +131,54 @@ struct Size {
   uint64_t height = 0;
 };
 
+// The chunk's fields, read through a cursor that stops at the end of what was read of it: a
+// chunk too short for its fields shows none of them.
 void Details(const uint8_t* type, std::span<const uint8_t> d, Size& size, ReportLines& out) {
   auto is = [&](const char* t) { return std::memcmp(type, t, 4) == 0; };
-  if (is("IHDR") && d.size() >= 13) {
-    size = {LoadBe32(d.data()), LoadBe32(d.data() + 4)};
-    out.Add(FormatText("Width: %lu", static_cast<unsigned long>(LoadBe32(d.data()))));
-    out.Add(FormatText("Depth: %lu", static_cast<unsigned long>(LoadBe32(d.data() + 4))));
-    out.Add(FormatText("Bits per sample: %u", unsigned{d[8]}));
-    out.Add(FormatText("Palette: %s", YesNo(d[9] & 1)));
-    out.Add(FormatText("True colour: %s", YesNo(d[9] & 2)));
-    out.Add(FormatText("Alpha channels: %s", YesNo(d[9] & 4)));
-    out.Add(d[12] == 0 ? "Interlace type: NONE" : "Interlace type: ADAM 7");
-  } else if (is("gAMA") && d.size() >= 4) {
-    const unsigned long g = LoadBe32(d.data());
+  ByteCursor c(d);
+  if (is("IHDR")) {
+    uint32_t width = 0, height = 0;
+    uint8_t bitDepth = 0, colour = 0, interlace = 0;
+    if (!c.Be32(width) || !c.Be32(height) || !c.U8(bitDepth) || !c.U8(colour) || !c.Skip(2) ||
+        !c.U8(interlace))
+      return;
+    size = {width, height};
+    out.Add(FormatText("Width: %lu", static_cast<unsigned long>(width)));
+    out.Add(FormatText("Depth: %lu", static_cast<unsigned long>(height)));
+    out.Add(FormatText("Bits per sample: %u", unsigned{bitDepth}));
+    out.Add(FormatText("Palette: %s", YesNo(colour & 1)));
+    out.Add(FormatText("True colour: %s", YesNo(colour & 2)));
+    out.Add(FormatText("Alpha channels: %s", YesNo(colour & 4)));
+    out.Add(interlace == 0 ? "Interlace type: NONE" : "Interlace type: ADAM 7");
+  } else if (is("gAMA")) {
+    uint32_t gamma = 0;
+    if (!c.Be32(gamma)) return;
+    const unsigned long g = gamma;
     out.Add(FormatText("Gamma: %lu.%lu", g / 100000, g % 100000));
-  } else if (is("pHYs") && d.size() >= 9) {
-    const unsigned long x = LoadBe32(d.data()), y = LoadBe32(d.data() + 4);
+  } else if (is("pHYs")) {
+    uint32_t perX = 0, perY = 0;
+    uint8_t unit = 0;
+    if (!c.Be32(perX) || !c.Be32(perY) || !c.U8(unit)) return;
+    const unsigned long x = perX, y = perY;
     out.Add(FormatText("%lu x %lu pixels", x, y));
     // Per metre: the picture's printed width and height, in tenths of an inch.
-    if (d[8] == 1 && x > 0 && y > 0) {
+    if (unit == 1 && x > 0 && y > 0) {
       auto tenths = [](uint64_t pixels, uint64_t perMetre) {
         return static_cast<unsigned long>(pixels * 100000 / (perMetre * 254));
       };
       const unsigned long w = tenths(size.width, x), h = tenths(size.height, y);
       out.Add(FormatText("%lu.%lu x %lu.%lu inches", w / 10, w % 10, h / 10, h % 10));
     }
-  } else if (is("tIME") && d.size() >= 7) {
-    const unsigned hour = d[4], minute = d[5], second = d[6], month = d[2], day = d[3];
-    const unsigned year = LoadBe16(d.data());
-    out.Add(FormatText("%u:%.2u:%.2u%s %s %u, %u", hour % 12 == 0 ? 12 : hour % 12, minute, second,
-                       hour < 12 ? "am" : "pm", month >= 1 && month <= 12 ? kMonths[month - 1] : "",
-                       day, year));
+  } else if (is("tIME")) {
+    uint16_t year = 0;
+    uint8_t month = 0, day = 0, hour = 0, minute = 0, second = 0;
+    if (!c.Be16(year) || !c.U8(month) || !c.U8(day) || !c.U8(hour) || !c.U8(minute) ||
+        !c.U8(second))
+      return;
+    out.Add(FormatText("%u:%.2u:%.2u%s %s %u, %u", hour % 12 == 0 ? 12u : hour % 12u,
+                       unsigned{minute}, unsigned{second}, hour < 12 ? "am" : "pm",
+                       month >= 1 && month <= 12 ? kMonths[month - 1] : "", unsigned{day},
+                       unsigned{year}));
   } else if (auto text = TextOf(type, d, kReportData)) {
     out.AddText(*text);
   }
@@ -173,19 +189,16 @@ void Details(const uint8_t* type, std::span<const uint8_t> d, Size& size, Report
 int PngList(ImageInfo& /*info*/, const std::string& path, std::vector<std::string>& lines) {
   InputFile in;
   if (!in.Open(path)) return kOpenError;
-  uint8_t signature[8];
-  if (!in.ReadExact(signature, 8)) return kReadError;
-  if (std::memcmp(signature, kSignature, 8) != 0) return kCorruptedFile;
+  // The report shows whatever chunks the file has, in whatever order.
+  PngChunkReader chunks(in);
+  if (int code = chunks.Start()) return code;
   const bool checkCrc = CurrentSettings().PngDetailCrc != 0;
   ReportLines out(lines);
   Size size;
   bool first = true;
-  for (;;) {
-    uint8_t head[8];
-    if (!in.ReadExact(head, 8)) break;
-    const uint32_t length = LoadBe32(head);
-    const uint8_t* type = head + 4;
-    const uint64_t data = in.Tell();
+  while (chunks.Next()) {
+    const uint8_t* type = chunks.Type().data();
+    const uint32_t length = chunks.Length();
     if (!first) out.Add("");
     first = false;
     char name[5] = {};
@@ -201,7 +214,7 @@ int PngList(ImageInfo& /*info*/, const std::string& path, std::vector<std::strin
         out.Add("Error allocating memory for this data block.");
         buffer.clear();
       }
-      if (!buffer.empty() && !in.ReadExact(buffer.data(), buffer.size())) {
+      if (!chunks.ReadExact(buffer)) {
         out.Add("Error reading data for this block.");
         break;
       }
@@ -210,27 +223,15 @@ int PngList(ImageInfo& /*info*/, const std::string& path, std::vector<std::strin
       Details(type, buffer, size, out);
     }
     if (checkCrc) {
-      // The CRC covers the type and all of the data, read in pieces.
-      uint32_t crc = PngUpdateCrc(0, {type, 4});
-      uint8_t piece[4096];
-      uint64_t left = length;
-      bool ok = in.Seek(data);
-      while (ok && left > 0) {
-        const size_t n = static_cast<size_t>(std::min<uint64_t>(left, sizeof piece));
-        ok = in.ReadExact(piece, n);
-        crc = PngUpdateCrc(crc, {piece, n});
-        left -= n;
-      }
-      uint8_t stored[4];
-      if (!ok || !in.ReadExact(stored, 4)) {
+      uint32_t computed = 0, stored = 0;
+      if (!chunks.ReadCrc(computed, stored)) {
         out.Add("Error reading data for this block.");
         break;
       }
       out.Add(FormatText("Calculated CRC: %.8lXH -- Block CRC: %.8lXH",
-                         static_cast<unsigned long>(crc),
-                         static_cast<unsigned long>(LoadBe32(stored))));
+                         static_cast<unsigned long>(computed), static_cast<unsigned long>(stored)));
     }
-    if (std::memcmp(type, "IEND", 4) == 0 || !in.Seek(data + length + 4)) break;
+    if (chunks.Is("IEND")) break;
   }
   return kOk;
 }
@@ -238,27 +239,20 @@ int PngList(ImageInfo& /*info*/, const std::string& path, std::vector<std::strin
 int PngReadComments(ImageInfo& /*info*/, const std::string& path, std::string& text) {
   InputFile in;
   if (!in.Open(path)) return kOpenError;
-  uint8_t signature[8];
-  if (!in.ReadExact(signature, 8) || std::memcmp(signature, kSignature, 8) != 0) return kOk;
-  for (;;) {
-    uint8_t head[8];
-    if (!in.ReadExact(head, 8)) return kOk;
-    const uint32_t length = LoadBe32(head);
-    const uint8_t* type = head + 4;
-    const uint64_t data = in.Tell();
-    if (std::memcmp(type, "IEND", 4) == 0) return kOk;
-    if (std::memcmp(type, "tEXt", 4) == 0 || std::memcmp(type, "zTXt", 4) == 0 ||
-        std::memcmp(type, "iTXt", 4) == 0) {
+  PngChunkReader chunks(in);
+  if (chunks.Start() != kOk) return kOk;
+  while (chunks.Next() && !chunks.Is("IEND")) {
+    if (chunks.Is("tEXt") || chunks.Is("zTXt") || chunks.Is("iTXt")) {
       // Compressed texts may hold much more than their chunk; the chunk itself is read only so far.
-      std::vector<uint8_t> chunk(std::min<size_t>(length, 4 * kCommentData));
-      if (!chunk.empty()) chunk.resize(in.Read(chunk.data(), chunk.size()));
-      if (auto one = TextOf(type, chunk, kCommentData)) {
+      std::vector<uint8_t> chunk(std::min<size_t>(chunks.Length(), 4 * kCommentData));
+      chunk.resize(chunks.Read(chunk));
+      if (auto one = TextOf(chunks.Type().data(), chunk, kCommentData)) {
         if (!text.empty()) text += '\r';
         text += *one;
       }
     }
-    if (!in.Seek(data + length + 4)) return kOk;
   }
+  return kOk;
 }
 
 }  // namespace pxm

@@ -13,16 +13,18 @@
 #include <vector>
 
 #include "core/bytes.h"
+#include "core/debug_log.h"
+#include "core/error_codes.h"
 #include "core/file_io.h"
 #include "core/row_format.h"
+#include "formats/png_chunks.h"
 #include "formats/png_codec.h"
 
 namespace pxm {
 namespace {
 
-constexpr uint8_t kSignature[8] = {137, 80, 78, 71, 13, 10, 26, 10};
-
 struct Job {
+  const char* path = "";
   InputFile* in = nullptr;
   const LineSink* sink = nullptr;
   png_structp png = nullptr;
@@ -63,7 +65,8 @@ void ReadData(png_structp png, png_bytep data, size_t length) {
   }
 }
 
-void OnError(png_structp png, png_const_charp) {
+void OnError(png_structp png, png_const_charp message) {
+  DebugLog("libpng", static_cast<Job*>(png_get_error_ptr(png))->path, message);
   png_longjmp(png, 1);
 }
 void OnWarning(png_structp, png_const_charp) {}
@@ -154,13 +157,10 @@ int DecodeFenced(Job* job) {
 }
 
 // Whether an IDAT chunk comes before IEND; files that cannot be walked are left to libpng.
-bool HasImageData(InputFile& in) {
-  uint64_t at = 8;
-  uint8_t head[8];
-  while (in.Seek(at) && in.ReadExact(head, 8)) {
-    if (std::memcmp(head + 4, "IDAT", 4) == 0) return true;
-    if (std::memcmp(head + 4, "IEND", 4) == 0) return false;
-    at += 12 + static_cast<uint64_t>(LoadBe32(head));
+bool HasImageData(PngChunkReader& chunks) {
+  while (chunks.Next()) {
+    if (chunks.Is("IDAT")) return true;
+    if (chunks.Is("IEND")) return false;
   }
   return true;
 }
@@ -170,13 +170,13 @@ bool HasImageData(InputFile& in) {
 int PngUnpackImage(ImageInfo& info, const std::string& path) {
   InputFile in;
   if (!in.Open(path)) return kPngCannotRead;
-  uint8_t signature[8];
-  if (!in.ReadExact(signature, 8)) return kPngTruncated;
-  if (std::memcmp(signature, kSignature, 8) != 0) return kPngNotPng;
-  if (!HasImageData(in)) return kPngNoImage;
-  if (!in.Seek(8)) return kPngCannotRead;
+  PngChunkReader chunks(in);
+  if (int code = chunks.Start()) return code == kReadError ? kPngTruncated : kPngNotPng;
+  if (!HasImageData(chunks)) return kPngNoImage;
+  if (!in.Seek(sizeof kPngSignature)) return kPngCannotRead;
 
   Job job;
+  job.path = path.c_str();
   job.in = &in;
   job.sink = &info.putLine;
   job.png = png_create_read_struct_2(PNG_LIBPNG_VER_STRING, &job, OnError, OnWarning, &job,

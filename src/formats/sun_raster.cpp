@@ -118,8 +118,8 @@ void PackNibbles(uint8_t* row, uint32_t width) {
 }
 
 // A 32-bit row is squeezed by copying the three bytes at 3i to 4i for i = 1, 2, ...: the
-// direction is the opposite of what the layout asks for, and files have always come out this
-// way here.
+// direction is the opposite of what the layout asks for (difference D28 of the differences
+// table).
 void SpreadThirtyTwo(uint8_t* row, uint32_t width) {
   for (uint32_t i = 1; i < width; ++i) std::memmove(row + 4 * size_t{i}, row + 3 * size_t{i}, 3);
 }
@@ -163,15 +163,17 @@ int SunInfo(ImageInfo& info, const std::string& path, int /*purpose*/) {
   info.unpackedSize = UnpackedSize(info.width, info.bits, info.depth);
 
   // A depth without a row layout, or rows the file cannot hold, mean a damaged header; refusing
-  // here keeps an absurd size from ever reaching the image store. Run-length rows take at least
-  // a byte for every 256 bytes they make.
+  // here keeps an absurd size from ever reaching the image store. A run-length row is coded on
+  // its own, so it takes at least a byte, and a three-byte run makes at most 256 bytes.
   if (!KnownDepth(h.fileDepth) || h.depth < 0) return kCorruptedFile;
   const uint64_t rowBytes = FileRowBytes(h.width, h.fileDepth);
-  const uint64_t least = RunLength(h.type) ? (rowBytes + 255) / 256 : rowBytes;
-  const uint64_t map = h.mapType == kMapEqualPlanes ? h.mapLength : 0;
-  const uint64_t rest = in.Size() - kHeaderBytes;
-  if (map > rest || (h.depth > 0 && least > (rest - map) / static_cast<uint64_t>(h.depth)))
-    return kCorruptedFile;
+  const auto rows = static_cast<uint64_t>(h.depth);
+  const uint64_t dataStart = kHeaderBytes + (h.mapType == kMapEqualPlanes ? h.mapLength : 0);
+  const uint64_t bytes = RowsBytes(rowBytes, rows);
+  const bool fits = RunLength(h.type) ? FileCouldHold(in.Size(), dataStart, bytes, 86) &&
+                                            FileCouldHold(in.Size(), dataStart, bytes ? rows : 0, 1)
+                                      : FileCouldHold(in.Size(), dataStart, bytes, 1);
+  if (!fits) return kCorruptedFile;
 
   if (info.bits == 1) {
     info.palette[0] = Rgb{0, 0, 0};

@@ -11,6 +11,7 @@
 #include "core/error_codes.h"
 #include "core/file_io.h"
 #include "core/names.h"
+#include "core/palette_bytes.h"
 #include "core/pixels.h"
 #include "core/row_format.h"
 #include "formats/info_start.h"
@@ -89,8 +90,8 @@ size_t MapEntryBytes(uint8_t entrySize) {
 }
 
 // Entries the reader skips: the map's length less its first index. Real files store `length`
-// entries, so one with a first index above 0 is read from the wrong offset; files have always
-// been read this way here and are kept so.
+// entries, so one with a first index above 0 is read from the wrong offset (difference D35 of
+// the differences table).
 size_t SkippedMapBytes(const Header& h) {
   if (h.mapType == 0 || h.mapLength <= h.mapFirst) return 0;
   return static_cast<size_t>(h.mapLength - h.mapFirst) * MapEntryBytes(h.mapEntrySize);
@@ -104,8 +105,8 @@ constexpr std::array<uint8_t, 32> kFiveBit = [] {
 }();
 
 // A 15- or 16-bit value takes its first byte as the high byte. The public layout is the other
-// way round (and this program's own writer stores the low byte first), but files have always
-// been read so here.
+// way round (and this program's own writer stores the low byte first): difference D22 of the
+// differences table.
 Rgb FromFifteen(const uint8_t* p) {
   uint32_t v = (static_cast<uint32_t>(p[0]) << 8) | p[1];
   return Rgb{kFiveBit[(v >> 10) & 31], kFiveBit[(v >> 5) & 31], kFiveBit[v & 31]};
@@ -242,7 +243,7 @@ int ReadRows(ImageInfo& info, InputFile& in, const Header& h) {
     uint8_t* into = direct ? row.data() : raw.data();
     if (!reader.Fill(into, values)) return kReadError;
     unpack(raw.data(), row.data(), h.width);
-    // Bytes, not pixels, are reversed: a deeper row comes out scrambled, as it always has.
+    // Bytes, not pixels, are reversed: a deeper row comes out scrambled (difference D23).
     if (rightToLeft) std::reverse(row.begin(), row.begin() + h.width);
     if (info.putLine(row, topFirst ? i : h.depth - 1 - i) != 0) return kCancelled;
   }
@@ -271,7 +272,7 @@ int TargaInfo(ImageInfo& info, const std::string& path, int /*purpose*/) {
   // here keeps an absurd size from ever reaching the image store.
   if (PixelBytes(h.pixelDepth) == 0) return kCorruptedFile;
   const uint64_t dataStart = kHeaderBytes + uint64_t{h.idLength} + SkippedMapBytes(h);
-  if (dataStart > in.Size() || LeastDataBytes(h) > in.Size() - dataStart) return kCorruptedFile;
+  if (!FileCouldHold(in.Size(), dataStart, LeastDataBytes(h), 1)) return kCorruptedFile;
 
   if (!in.Skip(h.idLength)) return kCorruptedFile;
   if (h.mapType == 0) {
@@ -348,11 +349,7 @@ int TargaWrite(ImageInfo& info, const std::string& path) {
   if (!out.Write(h, sizeof h)) return kWriteError;
   if (mapped) {
     uint8_t map[256 * 3];
-    for (size_t i = 0; i < 256; ++i) {
-      map[3 * i] = info.palette[i].blue;
-      map[3 * i + 1] = info.palette[i].green;
-      map[3 * i + 2] = info.palette[i].red;
-    }
+    PaletteToBytes(info.palette, kBgrEntries, map);
     if (!out.Write(map, sizeof map)) return kWriteError;
   }
 
@@ -365,8 +362,8 @@ int TargaWrite(ImageInfo& info, const std::string& path) {
       data = file.data();
     } else if (sixteen) {
       // Each 16-bit value is stored as four bytes, but only two bytes a pixel are written: the
-      // file row holds the first half of the pixels, each followed by a zero pixel. Files
-      // written with this setting have always looked so and are kept that way.
+      // file row holds the first half of the pixels, each followed by a zero pixel (difference
+      // D24 of the differences table).
       for (uint32_t x = 0; x < width; ++x) {
         const uint8_t* p = row.data() + 3 * static_cast<size_t>(x);
         uint32_t v = (p[0] / 8u) * 1024u + (p[1] / 8u) * 32u + p[2] / 8u;

@@ -8,12 +8,11 @@
 #include "core/error_codes.h"
 #include "core/names.h"
 #include "core/row_format.h"
-#include "formats/gif_codec.h"
+#include "formats/info_start.h"
 #include "formats/tiff_decode.h"
 #include "formats/tiff_packbits.h"
 #include "formats/tiff_picture.h"
 #include "formats/tiff_rows.h"
-#include "formats/info_start.h"
 
 namespace pxm {
 namespace {
@@ -130,8 +129,6 @@ int DoRead(ImageInfo& info, const std::string& path) {
     return kCorruptedFile;
   if (!TiffDataCanHold(p, file.Size())) return kCorruptedFile;
   if (p.route == TiffRoute::kOwnStrips) return OwnStrips(info, file, dir, p).Read();
-  if (p.compression == kTiffLzw)
-    if (int code = GifIsLzw()) return code;
   return ReadTiffThroughLibrary(info, file, path, p);
 }
 

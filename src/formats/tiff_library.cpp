@@ -2,11 +2,19 @@
 
 #include <cstdio>
 
+#include "core/debug_log.h"
+
 namespace pxm {
 namespace {
 
-// Messages are the library's business; the handler answers with a code. Answering 1 tells
-// libtiff the message was handled, so its process-wide handlers are never reached.
+// Messages are the library's business; the handler answers with a code, and errors go to the
+// debug log only. Answering 1 tells libtiff the message was handled, so its process-wide
+// handlers are never reached.
+int LogError(TIFF* tiff, void*, const char* module, const char* format, va_list arguments) {
+  const char* file = tiff ? TIFFFileName(tiff) : module;
+  DebugLogFormat("libtiff", file ? file : "", format, arguments);
+  return 1;
+}
 int Silent(TIFF*, void*, const char*, const char*, va_list) { return 1; }
 
 struct OptionsDeleter {
@@ -16,7 +24,7 @@ struct OptionsDeleter {
 std::unique_ptr<TIFFOpenOptions, OptionsDeleter> QuietOptions() {
   std::unique_ptr<TIFFOpenOptions, OptionsDeleter> options(TIFFOpenOptionsAlloc());
   if (!options) return options;
-  TIFFOpenOptionsSetErrorHandlerExtR(options.get(), Silent, nullptr);
+  TIFFOpenOptionsSetErrorHandlerExtR(options.get(), LogError, nullptr);
   TIFFOpenOptionsSetWarningHandlerExtR(options.get(), Silent, nullptr);
   TIFFOpenOptionsSetMaxSingleMemAlloc(options.get(), kTiffMaxAllocation);
   return options;

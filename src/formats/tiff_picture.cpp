@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "core/error_codes.h"
+#include "formats/info_start.h"
 
 namespace pxm {
 namespace {
@@ -80,18 +81,31 @@ int DescribeTiff(InputFile& file, const TiffDirectory& dir, TiffPicture& p) {
 }
 
 bool TiffDataCanHold(const TiffPicture& p, uint64_t fileSize) {
-  const uint64_t rowBytes = TiffRowConverter::FileRowBytes(p.Samples(false));
-  const uint64_t bytes = rowBytes * p.length;
+  const uint64_t bytes = RowsBytes(TiffRowConverter::FileRowBytes(p.Samples(false)), p.length);
   switch (p.compression) {
-    case kTiffNone: return bytes <= fileSize;
+    case kTiffNone:
+      return FileCouldHold(fileSize, 0, bytes, 1);
     // Two bytes make at most 128.
-    case kTiffPackBits: return bytes / 64 <= fileSize + rowBytes;
+    case kTiffPackBits:
+      return FileCouldHold(fileSize, 0, bytes, 64);
     // A code of at least 9 bits gives at most 4096 bytes.
-    case kTiffLzw: return bytes / 4096 <= fileSize + rowBytes;
+    case kTiffLzw:
+      return FileCouldHold(fileSize, 0, bytes, 3641);
+    // Deflate makes at most 1032 bytes of one.
+    case kTiffDeflate:
+    case kTiffOldDeflate:
+      return FileCouldHold(fileSize, 0, bytes, 1032);
     // Every coded row takes at least one bit.
     case kTiffHuffman:
     case kTiffGroup3:
-    case kTiffGroup4: return p.length / 8 <= fileSize;
+    case kTiffGroup4:
+      return FileCouldHold(fileSize, 0, p.length, 8);
+    // Huffman-coded JPEG spends at least a bit on every 8 x 8 block of each component; the blocks
+    // of all components cover at least one for every 128 pixels.
+    case kTiffOldJpeg:
+    case kTiffJpeg:
+      return FileCouldHold(fileSize, 0, PackedPictureBytes(p.width, p.length, 8), 1024);
+    // Other codecs (LZMA, Zstandard, ...) have no best ratio to go by.
     default: return true;
   }
 }

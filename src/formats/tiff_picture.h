@@ -20,7 +20,9 @@ enum TiffCompression : uint32_t {
   kTiffLzw = 5,
   kTiffOldJpeg = 6,
   kTiffJpeg = 7,
+  kTiffDeflate = 8,
   kTiffPackBits = 32773,
+  kTiffOldDeflate = 32946,
 };
 
 enum TiffPhotometric : uint32_t {

@@ -10,8 +10,8 @@
 
 #include "config/settings.h"
 #include "core/error_codes.h"
+#include "core/levels.h"
 #include "core/row_format.h"
-#include "formats/gif_codec.h"
 #include "formats/tiff.h"
 #include "formats/tiff_library.h"
 #include "formats/tiff_picture.h"
@@ -33,30 +33,16 @@ constexpr uint64_t kStripBytes = 8192;
 constexpr char kSoftware[] = "Pixmill";
 constexpr int kTableOff = 65535;  // TiffContrast or TiffBrightness at this value: no grey table
 
-using LevelTable = std::array<uint8_t, 256>;
-
-// Contrast and brightness for grey files, clamped to the full range.
+// Contrast and brightness for grey files, over the full range.
 LevelTable GreyTable(int contrast, int brightness) {
-  LevelTable t;
-  if (contrast == kTableOff || brightness == kTableOff) {
-    for (size_t i = 0; i < 256; ++i) t[i] = static_cast<uint8_t>(i);
-    return t;
-  }
-  double d = 256.0 - 2.0 * contrast;
-  if (d <= 0.001) d = 0.001;
-  const double slope = 256.0 / d;
-  double v = brightness - contrast;
-  for (size_t i = 0; i < 256; ++i, v += slope)
-    t[i] = static_cast<uint8_t>(v > 255.0 ? 255 : v < 0.0 ? 0 : static_cast<int>(v));
-  return t;
+  if (contrast == kTableOff || brightness == kTableOff)
+    return ContrastBrightnessTable(0, 0, 0, 255);
+  return ContrastBrightnessTable(contrast, brightness, 0, 255);
 }
 
-LevelTable GammaTable(int gammaHundredths) {
-  const double gamma = gammaHundredths * 0.01;
-  LevelTable t;
-  for (size_t i = 0; i < 256; ++i)
-    t[i] = static_cast<uint8_t>(std::trunc(std::pow(static_cast<double>(i) / 255.0, gamma) * 255.0 + 0.5));
-  return t;
+// The colour map's gamma: TiffGamma in hundredths is the exponent itself.
+LevelTable ColourMapGammaTable(int gammaHundredths) {
+  return PowerCurve(gammaHundredths * 0.01);
 }
 
 // What is written for the picture, decided once before the rows.
@@ -92,7 +78,7 @@ Plan MakePlan(const ImageInfo& info, const Settings& s) {
     plan.photometric = kTiffPalette;
     plan.bitsPerSample = static_cast<uint16_t>(storage);
     const size_t entries = size_t{1} << storage;
-    const LevelTable gamma = GammaTable(s.TiffGamma);
+    const LevelTable gamma = ColourMapGammaTable(s.TiffGamma);
     plan.colourMap.resize(3 * entries);
     for (size_t i = 0; i < entries; ++i) {
       plan.colourMap[i] = static_cast<uint16_t>(gamma[info.palette[i].red] << 8);
@@ -107,8 +93,7 @@ Plan MakePlan(const ImageInfo& info, const Settings& s) {
     for (size_t i = 0; i < 256; ++i) {
       const Rgb& c = info.palette[i];
       if (s.CreateTifGreyExpand != 0) {
-        const int b = c.red;
-        plan.grey[i] = table[static_cast<size_t>((59 * b) / 100 + (30 * b) / 100 + (11 * b) / 100)];
+        plan.grey[i] = table[static_cast<size_t>(FirstByteGrey(c.red))];
       } else {
         plan.grey[i] = static_cast<uint8_t>(Luminance(c.red, c.green, c.blue));
       }
@@ -162,8 +147,6 @@ int WriteRows(ImageInfo& info, TIFF* t, const Plan& plan) {
 int DoWrite(ImageInfo& info, const std::string& path) {
   const Settings& s = CurrentSettings();
   const Plan plan = MakePlan(info, s);
-  if (plan.compression == kTiffLzw)
-    if (int code = GifIsLzw()) return code;
 
   OutputFile file;
   if (!file.Create(path)) return kCreateError;

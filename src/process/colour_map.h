@@ -30,10 +30,4 @@ constexpr size_t InverseMapIndex(int red, int green, int blue) {
 // ((i mod 16) × 16, ((i div 16) mod 16) × 16, (i div 256) × 16).
 void BuildInverseMap(InverseColourMap& map, const Palette& palette, int entries);
 
-// The index of a colour in the thumbnail library's orthogonal palette (3 bits red, 3 green, 2
-// blue), found from the colour's top bits without a search.
-constexpr uint8_t OrthogonalIndex(int red, int green, int blue) {
-  return static_cast<uint8_t>((red & 0xE0) + ((green >> 3) & 0x1C) + (blue >> 6));
-}
-
 }  // namespace pxm

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "core/error_codes.h"
+#include "core/fixed_palette.h"
 #include "core/row_format.h"
 #include "core/strings.h"
 #include "process/bayer.h"
@@ -15,7 +16,6 @@
 #include "process/palette_choice.h"
 #include "process/quantize.h"
 #include "process/stage.h"
-#include "thumbs/fixed_palette.h"
 
 namespace pxm {
 namespace {
@@ -40,7 +40,7 @@ struct Mapping {
 template <Lookup L>
 inline uint8_t Find(const Mapping& m, int r, int g, int b, int64_t x, int32_t y) {
   if constexpr (L == Lookup::kOrthogonal) {
-    return OrthogonalIndex(r, g, b);
+    return ThumbPaletteIndex(r, g, b);
   } else if constexpr (L == Lookup::kOrdered) {
     // A channel is on where the colour reaches the middle of its matrix cell's range, so that 0
     // stays black and 255 lights every cell.

@@ -8,6 +8,7 @@
 
 #include "config/settings.h"
 #include "core/error_codes.h"
+#include "core/levels.h"
 #include "core/row_format.h"
 #include "core/strings.h"
 #include "process/bayer.h"
@@ -173,9 +174,10 @@ class Engine {
   // found: over every palette entry (used or not) for palette pictures, over the pixels for 24-bit.
   int Remap(std::vector<uint8_t>& buffer) {
     const Settings& s = CurrentSettings();
-    const std::array<uint8_t, 256> table = DitherGreyTable(s.DitherContrast, s.DitherBrightness);
+    // The working greys stay within 1..254: never pure black or white.
+    const LevelTable table = ContrastBrightnessTable(s.DitherContrast, s.DitherBrightness, 1, 254);
     uint8_t greyOfByte[256];
-    for (int b = 0; b < 256; ++b) greyOfByte[b] = table[static_cast<size_t>(DitherGreyIndex(b))];
+    for (int b = 0; b < 256; ++b) greyOfByte[b] = table[static_cast<size_t>(FirstByteGrey(b))];
 
     const uint32_t width = image_.width;
     const int32_t depth = image_.depth;
@@ -295,19 +297,6 @@ int HalftoneSizeFactor(uint32_t mode) {
   if (mode & kDitherSize4) return 4;
   if (mode & kDitherSize5) return 5;
   return 1;
-}
-
-std::array<uint8_t, 256> DitherGreyTable(int contrast, int brightness) {
-  double d = 256.0 - 2.0 * contrast;
-  if (!(d > 0.001)) d = 0.001;
-  const double slope = 256.0 / d;
-  double v = brightness - contrast;
-  std::array<uint8_t, 256> table{};
-  for (auto& entry : table) {
-    entry = v > 254 ? 254 : v < 1 ? 1 : static_cast<uint8_t>(v);
-    v += slope;
-  }
-  return table;
 }
 
 int DitherImage(ImageInfo& image, uint32_t mode, std::string_view name) {

@@ -32,14 +32,6 @@ inline constexpr uint32_t kDitherLevelMask = 0xFF;
 // The halftone size factor 1 to 5 a mode asks for: always 1 for Threshold and Bayer.
 int HalftoneSizeFactor(uint32_t mode);
 
-// The grey lookup table of a contrast and brightness. Its values stay within 1..254, so the
-// working greys are never pure black or white.
-std::array<uint8_t, 256> DitherGreyTable(int contrast, int brightness);
-
-// The table index of a colour whose first stored byte is b. All three weights take the same byte:
-// a slightly darkened copy of the first channel (255 gives 254) is the engine's grey.
-constexpr int DitherGreyIndex(int b) { return (59 * b) / 100 + (30 * b) / 100 + (11 * b) / 100; }
-
 // Turns the picture held behind image.getLine / image.putLine into 1 bit per pixel, with contrast
 // and brightness from the settings. `name` fills the status texts. Answers 0; 4 when the user
 // stops it or a row callback fails (the store is then half converted); 6 when its row buffers

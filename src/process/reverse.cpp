@@ -23,7 +23,7 @@ void InvertBytes(uint8_t* row, size_t n) {
 int InvertRows(ImageStore& store) {
   if (store.InMemory()) {
     for (int32_t r = 0; r < store.depth; ++r) {
-      InvertBytes(store.MemoryRow(r), store.bytesPerLine);
+      InvertBytes(store.MemoryRow(r), store.PackedBytes());
       if (store.AbortCheck()) return kCancelled;
     }
     return kOk;
@@ -31,7 +31,7 @@ int InvertRows(ImageStore& store) {
   std::vector<uint8_t> row(store.bytesPerLine);
   for (int32_t r = 0; r < store.depth; ++r) {
     int flag = store.GetRow(row, r);
-    InvertBytes(row.data(), row.size());
+    InvertBytes(row.data(), store.PackedBytes());
     store.PutRowQuiet(row, r);
     if (flag) return kCancelled;
   }

@@ -7,12 +7,12 @@
 
 #include "config/settings.h"
 #include "core/error_codes.h"
+#include "core/fixed_palette.h"
 #include "core/image_store.h"
 #include "core/platform.h"
 #include "core/row_format.h"
 #include "core/strings.h"
 #include "process/colour_map.h"
-#include "thumbs/fixed_palette.h"
 #include "thumbs/thumbnail_file.h"
 #include "thumbs/thumbnail_path.h"
 #include "thumbs/thumbnail_remap.h"

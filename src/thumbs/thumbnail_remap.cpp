@@ -1,6 +1,6 @@
 #include "thumbs/thumbnail_remap.h"
 
-#include "thumbs/fixed_palette.h"
+#include "core/fixed_palette.h"
 
 namespace pxm {
 

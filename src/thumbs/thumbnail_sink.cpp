@@ -2,9 +2,9 @@
 
 #include <algorithm>
 
+#include "core/fixed_palette.h"
 #include "core/row_format.h"
 #include "process/bayer.h"
-#include "thumbs/fixed_palette.h"
 
 namespace pxm {
 namespace {

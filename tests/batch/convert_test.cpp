@@ -11,7 +11,7 @@
 #include "core/error_codes.h"
 #include "core/scripted_host.h"
 #include "formats/format_table.h"
-#include "support/picture.h"
+#include "support/picture_files.h"
 #include "support/temp_dir.h"
 
 namespace pxm {
@@ -66,11 +66,11 @@ TEST_F(ConvertTest, RefusalsAndTheirCodes) {
   // A row whose writer is not built answers 5 after reading, and leaves nothing.
   EXPECT_EQ(Convert(host, eight, Row("MSP")), kTooManyColours);
   EXPECT_EQ(Convert(host, eight, Row("WMF")), kUnsupportedFunction);
-  // A source row whose handlers are not built.
-  test::WriteFileBytes(dir / "pic.mac", std::string(700, '\0'));
-  EXPECT_EQ(Convert(host, dir / "pic.mac", Row("BMP")), kUnsupportedFunction);
+  // A source row whose handlers only refuse.
+  test::WriteFileBytes(dir / "pic.avi", std::string(700, '\0'));
+  EXPECT_EQ(Convert(host, dir / "pic.avi", Row("BMP")), kUnsupportedFunction);
   EXPECT_EQ(test::ListDirectory(dir.path()),
-            (std::vector<std::string>{"deep.bmp", "eight.bmp", "notes.xyz", "pic.mac"}));
+            (std::vector<std::string>{"deep.bmp", "eight.bmp", "notes.xyz", "pic.avi"}));
 }
 
 TEST_F(ConvertTest, ReaderErrorsPassThroughAndLeaveNoOutput) {
@@ -175,7 +175,9 @@ TEST_F(ConvertTest, MotionFilesGoFrameByFrameFromReaderToWriter) {
   EXPECT_EQ(gMotion.imageIndexSeen, kAllFrames);
   EXPECT_EQ(gMotion.framesWritten, 3);
   EXPECT_TRUE(gMotion.finished);
-  EXPECT_EQ(gMotion.writtenTo, dir / "clip.fli");
+  // The frames went into a temporary file beside the output, renamed over it at the end.
+  EXPECT_NE(gMotion.writtenTo, dir / "clip.fli");
+  EXPECT_EQ(test::ListDirectory(dir.path()), (std::vector<std::string>{"Clip.flc", "clip.fli"}));
 
   // A still picture is not a motion source; a motion destination without a writer is 8.
   std::string still = Make("still.bmp", 8);

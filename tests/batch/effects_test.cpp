@@ -9,7 +9,7 @@
 #include "core/scripted_host.h"
 #include "formats/format_table.h"
 #include "process/effects_word.h"
-#include "support/picture.h"
+#include "support/picture_files.h"
 #include "support/temp_dir.h"
 
 namespace pxm {

@@ -6,7 +6,9 @@
 #include <filesystem>
 #include <functional>
 
+#include "batch/convert.h"
 #include "batch/crop_file.h"
+#include "batch/kept_picture.h"
 #include "batch/scale_file.h"
 #include "batch/transform_file.h"
 #include "config/settings.h"
@@ -14,7 +16,7 @@
 #include "core/scripted_host.h"
 #include "formats/format_table.h"
 #include "process/transform.h"
-#include "support/picture.h"
+#include "support/picture_files.h"
 #include "support/temp_dir.h"
 
 namespace pxm {
@@ -208,6 +210,55 @@ TEST_F(PictureCommands, CropSavesTheRectangleAndRefusesWhatItCannot) {
   ImageStore store(host);
   EXPECT_EQ(SaveCrop(host, info, store, rect, kFormatCount, dir / "x.dib"), kUnsupportedFormat);
   EXPECT_EQ(test::ListDirectory(dir.path()), (std::vector<std::string>{"c.bmp", "c.dib"}));
+}
+
+}  // namespace
+}  // namespace pxm
+
+namespace pxm {
+namespace {
+
+TEST_F(PictureCommands, AKeptPictureStaysAfterItsReadAndSavesAllOrPartOfItself) {
+  for (bool spill : {false, true}) {
+    settings->UseVirtualMemoryAlways = spill;
+    Picture in = Make("k.bmp", 8, 13, 7);
+    std::unique_ptr<KeptPicture> kept;
+    ASSERT_EQ(LoadKeptPicture(host, dir / "k.bmp", kept), 0);
+    ASSERT_TRUE(kept && kept->Store().IsHeld());
+    EXPECT_EQ(kept->Store().InMemory(), !spill);
+    // The read's own settings ended with it: a setting changed now reaches the next work.
+    settings->JpegCompressionFactor = 12;
+    EXPECT_EQ(CurrentSettings().JpegCompressionFactor, 12);
+    std::vector<uint8_t> row(kept->Store().bytesPerLine);
+    kept->Store().GetRowQuiet(row, 6);
+    for (uint32_t x = 0; x < 13; ++x) ASSERT_EQ(row[x], in.Pixel(x, 6)) << spill;
+
+    // All of it with another palette, part of it, and the refusals of the writers.
+    Palette grey{};
+    for (size_t i = 0; i < 256; ++i) grey[i] = Rgb{uint8_t(i), uint8_t(i), uint8_t(i)};
+    ASSERT_EQ(kept->Save(host, Row("DIB"), dir / "all.dib", std::nullopt, &grey), 0);
+    Picture all = Read("all.dib");
+    EXPECT_EQ(all.palette, grey);
+    ExpectMapped(all, in, 13, 7, [](uint32_t x, int32_t r) { return std::pair{x, r}; }, "all");
+    ASSERT_EQ(kept->Save(host, Row("BMP"), dir / "part.bmp", CropRect{2, 3, 5, 2}), 0);
+    ExpectMapped(Read("part.bmp"), in, 5, 2,
+                 [](uint32_t x, int32_t r) { return std::pair{x + 2, r + 3}; }, "part");
+    EXPECT_EQ(kept->Save(host, Row("MAC"), dir / "no.mac"), kTooManyColours);
+    EXPECT_EQ(kept->Save(host, -1, dir / "no.x"), kUnsupportedFormat);
+    EXPECT_FALSE(std::filesystem::exists(dir / "no.mac"));
+  }
+
+  // A file cut short: nothing is kept, unless the caller offers what was read.
+  ASSERT_EQ(Convert(host, dir / "k.bmp", Row("PCX")), 0);
+  std::string bytes = test::ReadFileBytes(dir / "k.pcx");
+  test::WriteFileBytes(dir / "cut.pcx", bytes.substr(0, 128 + 40));
+  std::unique_ptr<KeptPicture> kept;
+  const int code = LoadKeptPicture(host, dir / "cut.pcx", kept);
+  EXPECT_NE(code, 0);
+  EXPECT_FALSE(kept);
+  EXPECT_EQ(LoadKeptPicture(host, dir / "cut.pcx", kept, {.keepPartial = true}), code);
+  ASSERT_TRUE(kept);
+  EXPECT_EQ(kept->ReadCode(), code);
 }
 
 }  // namespace

@@ -7,7 +7,7 @@
 #include <sstream>
 
 #include "support/decoded.h"
-#include "support/picture.h"
+#include "support/picture_files.h"
 #include "support/programs.h"
 #include "support/temp_dir.h"
 
@@ -33,12 +33,14 @@ class PxmTest : public ::testing::Test {
  protected:
   TempDir dir;
 
-  // Runs pxm in the test folder with a private configuration folder and stdin not a terminal.
-  Result Pxm(const std::string& args) {
+  // Runs pxm in the test folder with a private configuration folder and stdin not a terminal;
+  // `environment` is put before the command ("NAME=value ...").
+  Result Pxm(const std::string& args, const std::string& environment = "") {
     Result r;
-    std::string command = "cd " + ShellQuote(dir.path()) + " && XDG_CONFIG_HOME=" +
-                          ShellQuote(dir / "config") + " " + ShellQuote(PXM_EXE) + " " + args +
-                          " 2>" + ShellQuote(dir / "stderr.txt") + " </dev/null";
+    std::string command = "cd " + ShellQuote(dir.path()) + " && " + environment +
+                          " XDG_CONFIG_HOME=" + ShellQuote(dir / "config") + " " +
+                          ShellQuote(PXM_EXE) + " " + args + " 2>" +
+                          ShellQuote(dir / "stderr.txt") + " </dev/null";
     r.status = test::RunCapture(command, r.out);
     r.err = test::ReadFileBytes(dir / "stderr.txt");
     std::filesystem::remove(dir / "stderr.txt");
@@ -98,6 +100,20 @@ TEST_F(PxmTest, InfoPrintsTheRecordAndFailuresTheirText) {
   EXPECT_EQ(Pxm("info nothing.xyz").status, 8);
 }
 
+TEST_F(PxmTest, LibraryMessagesGoToTheDebugLogOnlyWhenAskedFor) {
+  // A start-of-frame segment whose length does not match its one component.
+  test::WriteFileBytes(
+      dir / "bad.jpg",
+      std::string("\xFF\xD8\xFF\xC0\x00\x01\x08\x00\x10\x00\x10\x01", 12) + std::string(16, '\0'));
+  Result quiet = Pxm("info bad.jpg");
+  EXPECT_EQ(quiet.status, 6);
+  EXPECT_EQ(quiet.err, "bad.jpg - Memory error\n");
+  Result logged = Pxm("info bad.jpg", "PXM_LOG=1");
+  EXPECT_EQ(logged.status, 6);
+  EXPECT_NE(logged.err.find("pxm: libjpeg: "), std::string::npos) << logged.err;
+  EXPECT_NE(logged.err.find("bad.jpg: Bogus marker length\n"), std::string::npos) << logged.err;
+}
+
 TEST_F(PxmTest, InfoReportFollowsTheRecordAndShowsTheCommentDialogsAnswer) {
   Picture("p.bmp", 8);
   ASSERT_EQ(Pxm("--set PromptForGifComments=1 --comment 'Hello there' convert --to gif p.bmp").status, 0);
@@ -126,19 +142,57 @@ TEST_F(PxmTest, ConvertNamesEachOutputAndOptionsMayFollowTheCommand) {
   EXPECT_TRUE(std::filesystem::exists(dir / "out/two.bmp"));
   r = Pxm("convert two.bmp --to bmp --output Picked.png");
   EXPECT_EQ(r.Lines(), std::vector<std::string>{"two.bmp -> picked.bmp"});
+
+  // A colour JPEG read as 256 colours by default is said once a run, and never with --quiet.
+  ASSERT_EQ(Pxm("convert two.bmp --to jpg").status, 0);
+  std::filesystem::copy_file(dir / "two.jpg", dir / "three.jpg");
+  r = Pxm("convert two.jpg three.jpg --to gif");
+  EXPECT_EQ(r.status, 0);
+  EXPECT_EQ(r.err, "pxm: note: JPEG pictures are read as 256 colours (ReadJpegRgb is 0); "
+                   "--set ReadJpegRgb=1 reads them in full colour\n");
+  EXPECT_EQ(Pxm("--quiet convert two.jpg --to bmp").err, "");
+  EXPECT_EQ(Pxm("--set ReadJpegRgb=1 convert two.jpg --to bmp").err, "");
 }
 
 TEST_F(PxmTest, ConvertFailuresAndUsageErrors) {
   Picture("deep.bmp", 24);
   Picture("flat.bmp", 8);
-  Result r = Pxm("convert --to cut flat.bmp deep.bmp");
-  EXPECT_EQ(r.status, 5);  // Dr. Halo files are not written by this build; 24 bits would be 12
-  EXPECT_EQ(r.err, "flat.bmp - Unsupported function\ndeep.bmp - Too many colours\n");
+  Result r = Pxm("convert --to uue flat.bmp");
+  EXPECT_EQ(r.status, 5);  // the UUE row only decodes
+  EXPECT_EQ(r.err, "flat.bmp - Unsupported function\n");
+  r = Pxm("convert --to cut flat.bmp deep.bmp");
+  EXPECT_EQ(r.status, 12);  // Dr. Halo pictures hold at most 256 colours
+  EXPECT_EQ(r.err, "deep.bmp - Too many colours\n");
   EXPECT_EQ(Pxm("convert --to xyz flat.bmp").status, 64);
   EXPECT_EQ(Pxm("convert flat.bmp").status, 64);
   EXPECT_EQ(Pxm("").status, 64);
   EXPECT_EQ(Pxm("convert --to bmp --output x.bmp flat.bmp deep.bmp").status, 64);
   EXPECT_EQ(Pxm("--yes --no convert --to bmp flat.bmp").status, 64);
+}
+
+TEST_F(PxmTest, JobsWriteAndSayExactlyWhatOneJobDoes) {
+  // Every file of the public suites and the samples. Into one folder with names cut to six
+  // characters, many write the same name: the file named last must win however many jobs run.
+  std::string files;
+  for (const std::string& root : {std::string(PXM_TESTDATA_DIR), std::string(PXM_SOURCE_DIR) + "/samples"})
+    for (const std::string& path : test::FilesUnder(root)) files += " " + ShellQuote(path);
+  for (const char* command : {"convert --to bmp --dest-dir out", "info --report", "--json info"}) {
+    std::vector<Result> results;
+    std::vector<std::vector<std::pair<std::string, std::string>>> written;
+    for (const char* jobs : {"--jobs 1", "--jobs 4"}) {
+      std::filesystem::remove_all(dir / "out");
+      std::filesystem::create_directory(dir / "out");
+      results.push_back(Pxm(std::string(jobs) + " " + command + files));
+      written.emplace_back();
+      for (const std::string& name : test::ListDirectory(dir / "out"))
+        written.back().emplace_back(name, test::ReadFileBytes(dir / ("out/" + name)));
+    }
+    EXPECT_EQ(results[0].status, results[1].status) << command;
+    EXPECT_NE(results[0].status, 0) << command;  // the suites hold broken files on purpose
+    EXPECT_TRUE(results[0].out == results[1].out) << command;
+    EXPECT_TRUE(results[0].err == results[1].err) << command;
+    EXPECT_TRUE(written[0] == written[1]) << command;
+  }
 }
 
 TEST_F(PxmTest, OverwriteQuestionIsAnsweredByOptionsOrNo) {

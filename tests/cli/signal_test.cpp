@@ -11,7 +11,7 @@
 
 #include "core/names.h"
 #include "core/platform.h"
-#include "support/picture.h"
+#include "support/picture_files.h"
 #include "support/temp_dir.h"
 
 namespace pxm {

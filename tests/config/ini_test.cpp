@@ -8,8 +8,8 @@
 #include <regex>
 #include <sstream>
 
+#include "config/format_extensions.h"
 #include "config/key_table.h"
-#include "formats/format_table.h"
 #include "support/temp_dir.h"
 
 namespace pxm {
@@ -25,8 +25,7 @@ std::vector<std::string> Differences(const Settings& a, const Settings& b) {
     if (!same) names.emplace_back(row.name);
   }
   for (size_t i = 0; i < a.formatEnabled.size(); ++i)
-    if (a.formatEnabled[i] != b.formatEnabled[i])
-      names.emplace_back(FormatAt(static_cast<int>(i)).extension);
+    if (a.formatEnabled[i] != b.formatEnabled[i]) names.emplace_back(kFormatExtensions[i]);
   return names;
 }
 

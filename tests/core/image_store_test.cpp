@@ -2,10 +2,12 @@
 
 #include <gtest/gtest.h>
 
+#include <sys/resource.h>
+
+#include <csignal>
 #include <cstdlib>
 #include <optional>
 
-#include "config/settings.h"
 #include "core/error_codes.h"
 #include "core/scripted_host.h"
 #include "core/sinks.h"
@@ -35,12 +37,31 @@ std::vector<uint8_t> Row(uint8_t seed) {
   return row;
 }
 
-// Every test gets its own $TMPDIR and the default settings.
+// Writes past `bytes` into any file fail for the object's lifetime, as they do on a full disk.
+class FileSizeLimit {
+ public:
+  explicit FileSizeLimit(rlim_t bytes) {
+    getrlimit(RLIMIT_FSIZE, &saved_);
+    previous_ = signal(SIGXFSZ, SIG_IGN);
+    rlimit limit = saved_;
+    limit.rlim_cur = bytes;
+    setrlimit(RLIMIT_FSIZE, &limit);
+  }
+  ~FileSizeLimit() {
+    setrlimit(RLIMIT_FSIZE, &saved_);
+    signal(SIGXFSZ, previous_);
+  }
+
+ private:
+  rlimit saved_{};
+  void (*previous_)(int) = nullptr;
+};
+
+// Every test gets its own $TMPDIR.
 class ImageStoreTest : public ::testing::Test {
  protected:
   test::TempDir tmp;
   ScopedEnv tmpdir{"TMPDIR", tmp.path()};
-  ScopedSettings settings;
   ScriptedHost host;
   ImageStore store{host};
 };
@@ -66,14 +87,15 @@ TEST_F(ImageStoreTest, RowsLiveBottomUpAndReadBackInPlace) {
   EXPECT_EQ(store.MemoryRow(1) - store.MemoryRow(2), 16);
   EXPECT_EQ(store.MemoryRow(4), nullptr);
   for (bool spill : {false, true}) {
-    settings->UseVirtualMemoryAlways = spill;
-    ASSERT_EQ(store.Create(5, 4, 24), kOk);
+    ASSERT_EQ(store.Create(5, 4, 24, spill ? kStoreSpillAlways : 0u), kOk);
     ASSERT_EQ(store.InMemory(), !spill);
     for (int32_t r : {2, 0, 3, 1}) store.PutRowQuiet(Row(static_cast<uint8_t>(r + 1)), r);
     for (int32_t r : {3, 0, 2, 1}) {
-      std::vector<uint8_t> back(16, 0xEE);
+      std::vector<uint8_t> back(16, 0xEE), expected = Row(static_cast<uint8_t>(r + 1));
+      // Of a longer buffer only the row's own 15 bytes are kept; the rounding stays zero.
+      expected[15] = 0;
       store.GetRowQuiet(back, r);
-      EXPECT_EQ(back, Row(static_cast<uint8_t>(r + 1))) << spill << r;
+      EXPECT_EQ(back, expected) << spill << r;
     }
   }
 }
@@ -87,8 +109,7 @@ TEST_F(ImageStoreTest, SpillFileCreation) {
     EXPECT_TRUE(store.IsHeld());
   }
   host = ScriptedHost{};
-  settings->UseVirtualMemoryAlways = 1;
-  ASSERT_EQ(store.Create(7, 6, 8), kOk);
+  ASSERT_EQ(store.Create(7, 6, 8, kStoreSpillAlways), kOk);
   EXPECT_FALSE(store.InMemory());
   EXPECT_EQ(host.statuses, std::vector<std::string>{"Creating spill file"});
   EXPECT_EQ(host.progressCalls, 6u);
@@ -102,19 +123,31 @@ TEST_F(ImageStoreTest, SpillFileCreation) {
 }
 
 TEST_F(ImageStoreTest, NoMemoryAndNoSpillDrive) {
-  settings->UseVirtualMemoryAlways = 1;
-  settings->VirtualMemoryDrive = 0;
-  EXPECT_EQ(store.Create(4, 4, 8), kMemoryError);
-  EXPECT_EQ(store.Create(4, 4, 8, kStoreMemoryOnly), kNeedsMemoryStore);
-  settings->VirtualMemoryDrive = 'c';
-  EXPECT_EQ(store.Create(4, 4, 8, kStoreMemoryOnly), kNeedsMemoryStore);
-  settings->UseVirtualMemoryAlways = 0;
+  EXPECT_EQ(store.Create(4, 4, 8, kStoreSpillAlways | kStoreNoSpill), kMemoryError);
+  EXPECT_EQ(store.Create(4, 4, 8, kStoreSpillAlways | kStoreNoSpill | kStoreMemoryOnly),
+            kNeedsMemoryStore);
+  EXPECT_EQ(store.Create(4, 4, 8, kStoreSpillAlways | kStoreMemoryOnly), kNeedsMemoryStore);
   ScopedEnv env("PXM_MEMORY_LIMIT", "0");
   EXPECT_EQ(store.Create(4, 4, 8, kStoreMemoryOnly), kNeedsMemoryStore);
-  settings->VirtualMemoryDrive = 0;
-  EXPECT_EQ(store.Create(4, 4, 8), kMemoryError);
+  EXPECT_EQ(store.Create(4, 4, 8, kStoreNoSpill), kMemoryError);
   EXPECT_FALSE(store.IsHeld());
   EXPECT_TRUE(host.statuses.empty());
+}
+
+TEST_F(ImageStoreTest, SpillFileFailuresBecomeCodes) {
+  // A full disk: the rows cannot be written into the spill file. The sink stops the reader and
+  // the driver reports the failure, never the user's abort.
+  ScopedEnv env("PXM_MEMORY_LIMIT", "0");
+  ASSERT_EQ(store.Create(4, 4, 8), kOk);
+  std::vector<uint8_t> row(4, 7);
+  FileSizeLimit full(4);  // only the first slot (row 3, at offset 0) can still be written
+  EXPECT_EQ(store.PutRowQuiet(row, 3), 0);
+  EXPECT_EQ(store.PutRowQuiet(row, 0), 1);
+  EXPECT_EQ(store.Failure(), kWriteError);
+  EXPECT_EQ(store.Explain(kCancelled), kWriteError);
+  EXPECT_EQ(store.Explain(kCorruptedFile), kCorruptedFile);
+  store.ClearAbort();
+  EXPECT_EQ(store.Explain(kCancelled), kCancelled);
 }
 
 TEST_F(ImageStoreTest, AbortWhileCreatingSpillFile) {

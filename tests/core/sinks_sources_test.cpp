@@ -2,7 +2,6 @@
 
 #include <vector>
 
-#include "config/settings.h"
 #include "core/error_codes.h"
 #include "core/pixels.h"
 #include "core/row_format.h"
@@ -25,8 +24,7 @@ Bytes Padded(Bytes head, size_t size) {
 class SinksSources : public ::testing::Test {
  protected:
   void Make(uint32_t width, int32_t depth, uint32_t bits, bool spill = false) {
-    settings_->UseVirtualMemoryAlways = spill;
-    ASSERT_EQ(store.Create(width, depth, bits), kOk);
+    ASSERT_EQ(store.Create(width, depth, bits, spill ? kStoreSpillAlways : 0u), kOk);
     ASSERT_EQ(store.InMemory(), !spill);
   }
   void Load(const test::Picture& p, bool spill) {
@@ -48,13 +46,12 @@ class SinksSources : public ::testing::Test {
     return pixels;
   }
 
-  ScopedSettings settings_;
   ScriptedHost host;
   ImageStore store{host};
 };
 
 TEST_F(SinksSources, SwappedRgbAndGamma) {
-  std::array<uint8_t, 256> g = GammaTable(200);
+  LevelTable g = ViewGammaTable(200);
   ASSERT_NE(g[64], 64);  // otherwise the gamma case proves nothing
   struct Case {
     uint32_t bits;

@@ -13,7 +13,7 @@
 #include "core/pixels.h"
 #include "core/row_format.h"
 #include "support/decoded.h"
-#include "support/picture.h"
+#include "support/picture_files.h"
 #include "support/temp_dir.h"
 
 namespace pxm {
@@ -205,12 +205,17 @@ TEST(BgaInfo, ChainsThatLoopBackCountEachEntryOnce) {
   EXPECT_EQ(Decode(dir / "wide.bga", 3).infoCode, kNoBitmap);
 }
 
-TEST(BgaRead, RowsCutShortAreAReadError) {
+TEST(BgaRead, RowsCutShortAreRefusedByInfoAndAReadError) {
   test::TempDir dir;
   ASSERT_EQ(test::WritePicture(Pattern(9, 4, 8), dir / "a.bga"), kOk);
   std::string f = test::ReadFileBytes(dir / "a.bga");
   test::WriteFileBytes(dir / "cut.bga", f.substr(0, f.size() - 1));
-  EXPECT_EQ(Decode(dir / "cut.bga", 0).readCode, kReadError);
+  EXPECT_EQ(Decode(dir / "cut.bga", 0).infoCode, kCorruptedFile);
+  // A file cut after info saw it whole: the reader stops at the missing row.
+  ImageInfo info;
+  ASSERT_EQ(BgaInfo(info, dir / "a.bga", 0), kOk);
+  info.putLine = [](std::span<uint8_t>, int32_t) { return 0; };
+  EXPECT_EQ(BgaRead(info, dir / "cut.bga"), kReadError);
 }
 
 }  // namespace

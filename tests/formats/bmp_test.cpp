@@ -12,7 +12,7 @@
 #include "core/pixels.h"
 #include "core/row_format.h"
 #include "support/decoded.h"
-#include "support/picture.h"
+#include "support/picture_files.h"
 #include "support/temp_dir.h"
 
 namespace pxm {

@@ -101,6 +101,14 @@ TEST(FormatTable, SharedAndRefusingRows) {
   EXPECT_EQ(FormatAt(23).read(info, "/nonexistent/x.cbd"), kUnsupportedFormat);
   EXPECT_TRUE(CanWrite(FormatAt(23)));
   EXPECT_FALSE(CanRead(FormatAt(23)));
+
+  // A row number outside the table gets a row that refuses, never memory past the table.
+  for (int row : {-1, kFormatCount, 1 << 30}) {
+    EXPECT_STREQ(FormatAt(row).extension, "") << row;
+    EXPECT_EQ(FormatAt(row).info(info, "/nonexistent/x.bmp", 0), kUnsupportedFormat) << row;
+    EXPECT_EQ(FormatAt(row).read(info, "/nonexistent/x.bmp"), kUnsupportedFormat) << row;
+    EXPECT_EQ(FormatAt(row).write(info, "/nonexistent/x.bmp"), kUnsupportedFunction) << row;
+  }
 }
 
 TEST(FindFormat, ComparesThreeCharactersOfTheExtensionInAnyCase) {

@@ -13,7 +13,7 @@
 #include "formats/comment_source.h"
 #include "formats/gif_lzw.h"
 #include "support/decoded.h"
-#include "support/picture.h"
+#include "support/picture_files.h"
 #include "support/temp_dir.h"
 
 namespace pxm {
@@ -201,7 +201,7 @@ TEST(GifRead, DamagedFilesAndTheirCodes) {
       {"no image", head + ";", kCorruptedFile, kOk, 0},
       {"a zero ends the scan", head + '\0' + image, kCorruptedFile, kOk, 0},
       {"not a GIF", "GIX" + head.substr(3) + image, kCorruptedFile, kCorruptedFile, 0},
-      {"short global table", head.substr(0, 15), kReadError, kOk, 0},
+      {"short global table", head.substr(0, 15), kReadError, kReadError, 0},
       {"short descriptor", head + image.substr(0, 6), kReadError, kReadError, 0},
       {"no code size", head + image.substr(0, 10), kCorruptedFile, kCorruptedFile, 0},
       {"code size 12", head + image.substr(0, 10) + Raw({12, 1, 0, 0}), kOk, kReadError, 0},

@@ -118,7 +118,7 @@ TEST(IffRead, FormsPlanesAndQuirks) {
        {{0x52, 0x30, 0, 0}}},
       {"chunky", Form("PBM ", Bmhd(3, 1, 8, 0) + Chunk("BODY", Raw({7, 8, 9}))), {{7, 8, 9}}},
       {"deep", Form("ILBM", Bmhd(1, 1, 24, 0) + Chunk("BODY", deep)), {{0x81, 0x02, 0xFF}}},
-      // The reader skips the colour map whole and finds the chunks after it.
+      // An oversized map sends the walk to offset 800 - 768 = 32 (D36).
       {"oversized map",
        Form("ILBM", "CMAP" + Be(800, 4) + map + Bmhd(2, 1, 1, 0) + Chunk("BODY", Raw({0x40}))),
        {{0x40}}},

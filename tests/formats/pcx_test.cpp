@@ -5,11 +5,11 @@
 #include <filesystem>
 
 #include "core/error_codes.h"
+#include "core/fixed_palette.h"
 #include "formats/pcx_rle.h"
 #include "support/decoded.h"
-#include "support/picture.h"
+#include "support/picture_files.h"
 #include "support/temp_dir.h"
-#include "thumbs/fixed_palette.h"
 
 namespace pxm {
 namespace {

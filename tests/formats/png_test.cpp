@@ -12,7 +12,7 @@
 #include "formats/comment_source.h"
 #include "formats/png_codec.h"
 #include "support/decoded.h"
-#include "support/picture.h"
+#include "support/picture_files.h"
 #include "support/temp_dir.h"
 
 namespace pxm {
@@ -166,11 +166,19 @@ TEST(PngInfo, RampsDepthsAndPalettes) {
   test::WriteFileBytes(dir / "c.png", file(8, 2, 0, ""));
   ASSERT_EQ(PngInfo(info, dir / "c.png", 0), kOk);
   EXPECT_EQ(info.bits, 24u);
-  // Damage: a bad signature, a file cut inside a chunk head or before IEND, no IHDR.
-  for (auto [bytes, code] : {std::pair{"x" + file(8, 0, 0, "").substr(1), kCorruptedFile},
-                             {kSignature.substr(0, 5), kReadError},
-                             {file(8, 0, 0, "").substr(0, 40), kReadError},
-                             {kSignature + Chunk("IEND", ""), kCorruptedFile}}) {
+  // Damage: a bad signature, a file cut inside a chunk head or before IEND, no IHDR, IHDR
+  // after another chunk or of another length, a bit depth the colour type does not have.
+  const std::string header = Be(13, 4) + Be(3, 4) + Raw({8, 0, 0, 0, 0});
+  for (auto [bytes, code] :
+       {std::pair{"x" + file(8, 0, 0, "").substr(1), kCorruptedFile},
+        {kSignature.substr(0, 5), kReadError},
+        {file(8, 0, 0, "").substr(0, 40), kReadError},
+        {kSignature + Chunk("IEND", ""), kCorruptedFile},
+        {kSignature + Chunk("gAMA", Be(1, 4)) + Chunk("IHDR", header) + Chunk("IEND", ""),
+         kCorruptedFile},
+        {kSignature + Chunk("IHDR", header.substr(0, 12)) + Chunk("IEND", ""), kCorruptedFile},
+        {file(3, 0, 0, ""), kCorruptedFile},
+        {file(16, 3, 0, ""), kCorruptedFile}}) {
     test::WriteFileBytes(dir / "d.png", bytes);
     EXPECT_EQ(PngInfo(info, dir / "d.png", 0), code);
   }

@@ -56,7 +56,7 @@ TEST(TargaWrite, HeaderAndRowLengthOfEveryDepth) {
 }
 
 TEST(TargaRead, LayoutsAndQuirks) {
-  std::string map;  // first entry 2, length 10: eight entries, which the reader skips
+  std::string map;  // first entry 2, length 10: eight entries, which the reader skips (D35)
   for (int k = 0; k < 8; ++k) map += Raw({k, 10 + k, 20 + k});
   struct Case {
     const char* what;

@@ -11,7 +11,7 @@
 #include "core/file_io.h"
 #include "formats/tiff_directory.h"
 #include "support/decoded.h"
-#include "support/picture.h"
+#include "support/picture_files.h"
 #include "support/temp_dir.h"
 
 namespace pxm {

@@ -110,10 +110,10 @@ TEST(UueInfo, HandsTheDecodedFileToItsFormat) {
     EXPECT_EQ(d.Pixel(4, 2), p.Pixel(4, 2));
     platform::RemoveFile(d.info.temporaryFile);
   }
-  // Unknown, UUE-in-UUE and unbuilt embedded formats; no decoded file outlives the refusal.
+  // Unknown, UUE-in-UUE and handler-less embedded formats; no decoded file outlives the refusal.
   for (auto [name, code] : {std::pair{"x.xyz", kUnsupportedFormat},
                             {"x.uue", kUnsupportedFormat},
-                            {"x.mac", kUnsupportedFunction}}) {
+                            {"x.avi", kUnsupportedFunction}}) {
     test::Decoded d =
         test::DecodeBytes(dir, "b.uue", std::string("begin 644 ") + name + "\n" + body);
     EXPECT_EQ(d.infoCode, code) << name;

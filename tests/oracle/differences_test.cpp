@@ -16,7 +16,8 @@ namespace pxm::oracle {
 const std::vector<Difference>& Differences() {
   static const std::vector<Difference> table = {
       {"D1", "BMP", "one-bit files", "the colour table is ignored: index 0 black, 1 white",
-       "one-bit pictures always show black and white", "bmp_test, the BMP suites (pal1bg, Core_1_Bit)"},
+       "one-bit pictures always show black and white",
+       "bmp_test, the BMP suites (pal1bg, Core_1_Bit)"},
       {"D2", "BMP", "files under 54 bytes (the smallest OS/2 files)", "refused as damaged (2)",
        "info always reads 54 header bytes", "the matrix (OS/2 rows at width 1)"},
       {"D3", "BMP", "headers longer than 40 bytes (V4, V5, OS/2 2.x)",
@@ -98,6 +99,29 @@ const std::vector<Difference>& Differences() {
        "relaxed decoding strips them and then skips the line as too short; strict decoding keeps "
        "them",
        "trailing spaces are taken for padding", "UueDifferences"},
+      {"D35", "TGA", "colour maps whose first index is above 0",
+       "the pixels are read as many map entries too early as the first index says",
+       "the reader skips the map's length less its first index", "targa_test (map skip)"},
+      {"D36", "IFF", "colour maps longer than 768 bytes",
+       "the chunk walk goes on at the file offset length - 768, not after the map",
+       "the walk's rule for maps of more than 256 entries", "iff_test (oversized map)"},
+      {"D37", "HRZ", "bytes above 63 (ImageMagick writes 64 for 254 and 255)",
+       "full intensity; ImageMagick wraps them round, showing 64 as black",
+       "samples are six bits: a larger byte can only mean the most",
+       "PaintOracle (SSTV), sstv_test"},
+      {"D38", "IMG", "8 planes without a palette",
+       "grey from white (0) to black (255), plane 0 the lowest bit; FFmpeg takes plane 0 for the "
+       "highest",
+       "planes hold the value's bits from the lowest, as in colour files", "PaintDifferences"},
+      {"D39", "IMG", "4 planes without a palette (netpbm)",
+       "the standard colours with FFmpeg's levels (174 for half intensity); netpbm shows 170, and "
+       "ignores XIMG palettes",
+       "FFmpeg is the reader that knows XIMG files", "PaintDifferences"},
+      {"D40", "WPG", "files without a colour map",
+       "the VGA's 256 default colours; one bit black and white",
+       "the format's default map is the VGA's; ImageMagick and GraphicsMagick show it with green "
+       "and blue exchanged (and four levels apart), and ImageMagick one bit in black and green",
+       "WpgOracle.FilesWithoutAColourMap, wpg_test"},
   };
   return table;
 }

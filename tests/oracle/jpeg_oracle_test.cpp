@@ -12,7 +12,7 @@
 #include "config/settings.h"
 #include "core/error_codes.h"
 #include "support/oracle.h"
-#include "support/picture.h"
+#include "support/picture_files.h"
 #include "support/programs.h"
 #include "support/temp_dir.h"
 

@@ -53,6 +53,7 @@ enum class Expect {
   kLuminanceUpsideDown,
   kHalfRowTarga16,  // file pixel 2k is pixel k cut to five bits a channel, odd pixels black
   kRefused,         // the reader refuses the file
+  kVgaLevels,       // palette levels kept to six bits, as the VGA's colour registers hold them
 };
 
 // How the scene or pattern is made (flags).

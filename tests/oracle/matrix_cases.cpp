@@ -339,11 +339,66 @@ void Uue(std::vector<Case>& all) {
                        Cmd(std::string("uudecode -o /dev/stdout %in | ") + decode)));
 }
 
+void PaintFormats(std::vector<Case>& all) {
+  // MacPaint, Microsoft Paint, PFS clip art and GEM bit images. Every MacPaint file is a page
+  // (netpbm centres smaller pictures on it, Pixmill puts them at the top left), so those cases
+  // are pictures as wide as the page. ImageMagick takes every MacPaint file for one behind a
+  // MacBinary header, so it reads only those.
+  const Decoder ffmpeg = Cmd("ffmpeg -v error -i %in -f image2pipe -vcodec ppm -");
+  const Setter kNoMacBinary = [](Settings& s) { s.CreateMacbinaryHeader = 0; };
+  const std::string pillowMsp =
+      "/usr/bin/python3 -c \"import sys; from PIL import Image; "
+      "Image.open(sys.argv[1]).convert('1').save(sys.argv[2], 'MSP')\" %in %out";
+  const std::string bilevel = "ppmtopgm %in | pgmtopbm -threshold | ";
+  std::vector<Case> cases = {
+      Read("MAC", "pbmtomacp, centred", Sh(bilevel + "pbmtomacp >%out"), 2, Cmd("macptopbm %in")),
+      Write("MAC", "1 bit, a whole page, MacBinary header", 1,
+            {Cmd("macptopbm -extraskip 128 %in"), kIm, kPx})
+          .Expecting(kBlackWhite)
+          .Bits(1),
+      Write("MAC", "1 bit, a whole page, no MacBinary header", 1, {Cmd("macptopbm %in"), kPx})
+          .Expecting(kBlackWhite)
+          .Set(kNoMacBinary)
+          .Bits(1),
+      Read("MSP", "Pillow, version 1", Sh(pillowMsp), 2, kPil),
+      Write("MSP", "1 bit (version 2)", 1, {kPil, ffmpeg, kPx}).Expecting(kBlackWhite).Bits(1),
+      Read("ART", "ImageMagick", Im("ART"), 2, kIm),
+      Write("ART", "1 bit", 1, {kIm, kPx}).Expecting(kBlackWhite).Bits(1),
+      Read("IMG", "pbmtogem", Sh(bilevel + "pbmtogem >%out"), 2, Cmd("gemtopnm %in")),
+      Write("IMG", "1 plane", 1, {Cmd("gemtopnm %in"), ffmpeg, kPx}).Expecting(kBlackWhite).Bits(1)};
+  cases[7].readers.push_back(ffmpeg);  // pbmtogem's files, read by FFmpeg as well
+  for (uint32_t bits : {3u, 4u, 6u, 8u, 24u})
+    cases.push_back(Write("IMG", Bits(bits) + (bits < 24 ? ", XIMG palette" : ", true colour"),
+                          bits, {ffmpeg, kPx})
+                        .Bits(bits <= 4 ? 4 : bits <= 8 ? 8 : 24));
+  for (Case& c : cases)
+    if (std::string(c.format) == "MAC")
+      c.widths = {576}, c.height = c.maker.tool == Tool::kPixmill ? 720 : 11;
+  all.insert(all.end(), cases.begin(), cases.end());
+}
+
+// No other program writes these formats; FFmpeg reads PC Paint, ImageMagick and GraphicsMagick
+// read Dr. Halo (with the palette file beside) and WordPerfect Graphics files.
+void PcPaintHaloWpg(std::vector<Case>& all) {
+  const Decoder ffmpeg = Cmd("ffmpeg -v error -i %in -f image2pipe -vcodec ppm -");
+  const Decoder gm = Cmd("gm convert %in ppm:-");
+  for (uint32_t bits : {1u, 3u, 4u, 8u})
+    all.push_back(Write("PIC", Bits(bits), bits, {ffmpeg, kPx})
+                      .Expecting(bits == 1 ? kBlackWhite : kVgaLevels)
+                      .Bits(FileBits(bits)));
+  for (uint32_t bits : {1u, 4u, 8u}) {
+    all.push_back(Write("CUT", Bits(bits), bits, {kIm, gm, kPx}).Bits(8));
+    all.push_back(Write("WPG", Bits(bits), bits, {kIm, gm, kPx}).Bits(bits));
+  }
+}
+
 }  // namespace
 
 std::vector<Case> MatrixCases() {
   std::vector<Case> all;
-  for (auto add : {Bmp, Pcx, Gif, Png, Jpeg, Tiff, Targa, Sun, Fits, Iff, Uue}) add(all);
+  for (auto add :
+       {Bmp, Pcx, Gif, Png, Jpeg, Tiff, Targa, Sun, Fits, Iff, Uue, PaintFormats, PcPaintHaloWpg})
+    add(all);
   return all;
 }
 

@@ -252,6 +252,10 @@ RgbImage FromPicture(const Case& c, const Item& item) {
       o = (p.Pixel(x, y) == 0) == (light(p.palette[0]) > light(p.palette[1])) ? Grey(255) : Grey(0);
     if (c.expect == Expect::kLuminance || c.expect == Expect::kLuminanceUpsideDown)
       o = Grey(Luminance(o.red, o.green, o.blue));
+    if (c.expect == Expect::kVgaLevels) {
+      auto six = [](uint8_t v) { return static_cast<uint8_t>((v >> 2 << 2) | (v >> 6)); };
+      o = Rgb{six(o.red), six(o.green), six(o.blue)};
+    }
     if (c.expect == Expect::kHalfRowTarga16) {
       const Rgb s = p.Colour(x / 2, y);
       auto five = [](uint8_t v) { return static_cast<uint8_t>(v / 8 * 255 / 31); };

@@ -19,7 +19,7 @@
 #include "core/sinks.h"
 #include "formats/format_table.h"
 #include "support/oracle.h"
-#include "support/picture.h"
+#include "support/picture_files.h"
 #include "support/programs.h"
 #include "support/temp_dir.h"
 

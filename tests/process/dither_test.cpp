@@ -49,31 +49,6 @@ Rows Dither(uint32_t width, const Rows& rows, uint32_t mode) {
   return PixelsOf(held.Result());
 }
 
-TEST(DitherGreyTable, ContrastAndBrightness) {
-  auto t = DitherGreyTable(0, 0);
-  EXPECT_EQ(t[0], 1);  // never 0
-  EXPECT_EQ(t[1], 1);
-  EXPECT_EQ(t[100], 100);
-  EXPECT_EQ(t[255], 254);  // never 255
-  // Contrast 127: denominator 2, slope 128, starting at -127.
-  t = DitherGreyTable(127, 0);
-  EXPECT_EQ(t[0], 1);
-  EXPECT_EQ(t[1], 1);
-  EXPECT_EQ(t[2], 129);
-  EXPECT_EQ(t[3], 254);
-  EXPECT_EQ(t[255], 254);
-  // Above 127 the denominator becomes 0.001: only the first entry escapes 254.
-  t = DitherGreyTable(200, 250);
-  EXPECT_EQ(t[0], 50);
-  EXPECT_EQ(t[1], 254);
-  EXPECT_EQ(DitherGreyTable(128, 0)[0], 1);
-  // The default contrast 20: slope 256/216 from -20.
-  t = DitherGreyTable(20, 0);
-  EXPECT_EQ(t[18], 1);
-  EXPECT_EQ(t[19], 2);
-  EXPECT_EQ(t[128], 131);
-}
-
 TEST(HalftoneSize, FromTheModeWord) {
   EXPECT_EQ(HalftoneSizeFactor(82), 1);
   EXPECT_EQ(HalftoneSizeFactor(kDitherFloyd | kDitherSize2), 2);

@@ -9,8 +9,7 @@
 namespace pxm::test {
 
 HeldPicture::HeldPicture(const Picture& p, uint32_t recordBits, bool spill) {
-  settings->UseVirtualMemoryAlways = spill;
-  EXPECT_EQ(store.Create(p.width, p.depth, p.bits), kOk);
+  EXPECT_EQ(store.Create(p.width, p.depth, p.bits, spill ? kStoreSpillAlways : 0u), kOk);
   for (int32_t y = 0; y < p.depth; ++y) store.PutRowQuiet(p.rows[static_cast<size_t>(y)], y);
   info.host = &host;
   info.width = p.width;

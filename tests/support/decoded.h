@@ -10,7 +10,7 @@
 
 #include "core/image_info.h"
 #include "formats/format_table.h"
-#include "support/picture.h"
+#include "support/picture_files.h"
 #include "support/temp_dir.h"
 
 namespace pxm::test {

@@ -10,7 +10,7 @@
 
 #include "core/image_info.h"
 #include "support/netpbm.h"
-#include "support/picture.h"
+#include "support/picture_files.h"
 
 namespace pxm::test {
 

@@ -4,7 +4,6 @@
 #include <string>
 #include <vector>
 
-#include "core/host.h"
 #include "core/image_info.h"
 
 namespace pxm::test {
@@ -29,15 +28,6 @@ struct Picture {
 // A deterministic test pattern: every pixel different where the depth allows, awkward values at
 // the edges. Palette pictures get a palette of distinct colours.
 Picture Pattern(uint32_t width, int32_t depth, uint32_t bits, uint32_t seed = 1);
-
-// Reads a file through the format table, info and reader into a memory store, as Convert does.
-// Answers the error code; `info` receives the record after info.
-int ReadPicture(const std::string& path, Picture& out, Host* host = nullptr,
-                ImageInfo* info = nullptr, uint32_t imageIndex = 0);
-
-// Writes a picture with the writer of the row for `path`'s extension (or `row` when given).
-int WritePicture(const Picture& picture, const std::string& path, int row = -1,
-                 Host* host = nullptr);
 
 // The picture's colours, row by row, left to right.
 std::vector<Rgb> Colours(const Picture& picture);

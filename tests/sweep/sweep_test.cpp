@@ -99,6 +99,7 @@ std::vector<std::string> OtherProgramsFiles(const std::string& dir) {
   static const std::pair<const char*, const char*> kWriters[] = {
       {"BMP", "BMP3"}, {"DIB", "BMP2"}, {"PCX", "PCX"},  {"GIF", "GIF"},  {"PNG", "PNG"},
       {"TGA", "TGA"},  {"RAS", "SUN"},  {"FIT", "FITS"}, {"TIF", "TIFF"}, {"JPG", "JPEG"},
+      {"ART", "ART"},  {"HRZ", "HRZ"},
   };
   static const char* kVariants[] = {"-type truecolor", "-type palette", "-type grayscale",
                                     "-type bilevel", "-resize 7x5! -type palette",

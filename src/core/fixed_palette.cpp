@@ -1,4 +1,4 @@
-#include "thumbs/fixed_palette.h"
+#include "core/fixed_palette.h"
 
 namespace pxm {
 

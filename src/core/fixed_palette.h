@@ -6,9 +6,11 @@
 
 namespace pxm {
 
-// The thumbnail library's fixed 256-colour palette: entry i has red ((i >> 5) & 7) × 255 div 7,
-// green ((i >> 2) & 7) × 255 div 7 and blue (i & 3) × 255 div 3, so that a colour's index is
-// found again from its top bits. `which` selects a palette; 0 is the only one.
+// The fixed 256-colour palette: thumbnails are drawn in it, and so are true-colour pictures
+// shown through 256 colours and the orthogonal colour reduction. Entry i has red
+// ((i >> 5) & 7) × 255 div 7, green ((i >> 2) & 7) × 255 div 7 and blue (i & 3) × 255 div 3, so
+// that a colour's index is found again from its top bits. `which` selects a palette; 0 is the
+// only one.
 const Palette& ThumbGetPalette(int which);
 
 // The fixed palette's index of a colour from its top bits: 3 of red, 3 of green, 2 of blue.
