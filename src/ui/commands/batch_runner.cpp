@@ -1,8 +1,8 @@
 #include "commands/batch_runner.h"
 
 #include "batch/file_walk.h"
-#include "common/qt_text.h"
 #include "core/error_codes.h"
+#include "core/names.h"
 #include "core/strings.h"
 #include "dialogs/batch_result_dialog.h"
 #include "host/gui_host.h"
@@ -25,28 +25,31 @@ class BatchScope {
 }  // namespace
 
 BatchSummary RunBatch(BatchWindow& window, const std::vector<std::string>& files,
-                      const std::function<int(const std::string& file)>& driver) {
+                      const FileDriver& driver) {
   GuiHost& host = window.BatchHost();
   std::vector<FileOutcome> outcomes;
+  bool stopped = false;
   {
     BatchScope scope(host);
-    std::vector<ListItem> items;
-    items.reserve(files.size());
-    for (const std::string& file : files) items.push_back({file, true});
-    auto results = WalkTaggedFiles(
-        items,
-        [&](const std::string& file) {
-          host.SetFileInHand(file);
-          int code = driver(file);
-          // A cancel is the user's own choice (a click, a dialog's Cancel): no box for it.
-          if (code != kOk && code != kCancelled) host.ShowMessage(FileErrorLine(file, code));
+    // One file after the other on this thread: the walk's own host is the window's.
+    WalkFiles(
+        host, files,
+        [&](Host& fileHost, size_t index, const std::string& file) {
+          host.SetFileInHand(NamePart(file));
+          int code = driver(fileHost, index, file);
+          // A cancel is the user's own doing (a click, a dialog's Cancel): no box for it.
+          if (code != kOk && code != kCancelled)
+            fileHost.ShowMessage(FileErrorLine(NamePart(file), code));
           return code;
         },
-        [&](int) { return host.AbortRequested(); });
-    for (const WalkResult& result : results) outcomes.push_back({result.text, result.code});
+        {},
+        [&](const FileResult& result) {
+          outcomes.push_back({result.source, result.code});
+        });
+    stopped = host.AbortRequested();
     host.SetStatus({});
   }
-  BatchSummary summary = Summarize(files, outcomes, host.AbortRequested());
+  BatchSummary summary = Summarize(files, outcomes, stopped);
   window.BatchFinished();
   if (NeedsAttention(summary)) {
     if (ShowBatchResult(window.Owner(), summary)) window.TagEntries(summary.ToRetry());

@@ -38,8 +38,8 @@ std::string WrittenText(size_t written) {
 std::string SummaryText(const BatchSummary& summary) {
   std::string text = WrittenText(summary.written);
   if (!summary.failed.empty()) {
-    std::string line = FillText(LoadMessage(kStrFilesFailed), "%u",
-                                std::to_string(summary.failed.size()));
+    std::string line =
+        FillText(LoadMessage(kStrFilesFailed), "%u", std::to_string(summary.failed.size()));
     line = FillText(line, "%u", std::to_string(summary.requested));
     text += "\n\n" + line;
     for (const FileOutcome& outcome : summary.failed)

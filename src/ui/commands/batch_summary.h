@@ -12,11 +12,11 @@ struct FileOutcome {
 };
 
 struct BatchSummary {
-  size_t requested = 0;                // files the batch was asked to do
-  size_t written = 0;                  // files done without error
-  std::vector<FileOutcome> failed;     // in the order they were tried
-  std::string stoppedAfter;            // the file during which the user stopped the batch
-  std::vector<std::string> untried;    // files the stop left undone
+  size_t requested = 0;              // files the batch was asked to do
+  size_t written = 0;                // files done without error
+  std::vector<FileOutcome> failed;   // in the order they were tried
+  std::string stoppedAfter;          // the file during which the user stopped the batch
+  std::vector<std::string> untried;  // files the stop left undone
 
   // The failed files and the undone ones: what "Tag the failed files" tags for another try.
   std::vector<std::string> ToRetry() const;

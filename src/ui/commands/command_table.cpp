@@ -48,11 +48,8 @@ const CommandInfo kCommands[] = {
 };
 // clang-format on
 
-constexpr MenuInfo kMenus[] = {{F, "&File"},
-                               {E, "&Edit"},
-                               {I, "&Image"},
-                               {T, "&Thumbnail"},
-                               {H, "&Help"}};
+constexpr MenuInfo kMenus[] = {
+    {F, "&File"}, {E, "&Edit"}, {I, "&Image"}, {T, "&Thumbnail"}, {H, "&Help"}};
 
 }  // namespace
 
@@ -63,11 +60,12 @@ const std::array<std::array<int, 9>, 2> kTextButtonRows = {{
      kCmdAbout, kCmdExit},
 }};
 
-const std::array<int, 22> kGraphicButtons = {761, 772, 763, 766, 768, 770, 773, 775,
-                                             777, 778, 779, 762, 765, 769, 767, 771,
-                                             776, 764, 774, 780, 781, 782};
+const std::array<int, 22> kGraphicButtons = {761, 772, 763, 766, 768, 770, 773, 775, 777, 778, 779,
+                                             762, 765, 769, 767, 771, 776, 764, 774, 780, 781, 782};
 
-std::span<const CommandInfo> CommandTable() { return kCommands; }
+std::span<const CommandInfo> CommandTable() {
+  return kCommands;
+}
 
 const CommandInfo* FindCommand(int id) {
   for (const CommandInfo& command : kCommands)
@@ -75,6 +73,8 @@ const CommandInfo* FindCommand(int id) {
   return nullptr;
 }
 
-std::span<const MenuInfo> MenuBarTable() { return kMenus; }
+std::span<const MenuInfo> MenuBarTable() {
+  return kMenus;
+}
 
 }  // namespace pxm::ui

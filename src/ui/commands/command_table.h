@@ -1,7 +1,6 @@
 #pragma once
 
 #include <QKeySequence>
-
 #include <array>
 #include <span>
 #include <string_view>

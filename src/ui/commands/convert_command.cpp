@@ -4,7 +4,6 @@
 #include "commands/batch_runner.h"
 #include "config/settings.h"
 #include "dialogs/destination_dialog.h"
-#include "host/gui_host.h"
 
 namespace pxm::ui {
 
@@ -20,8 +19,8 @@ void RunConvertCommand(BatchWindow& window) {
   if (!choice) return;
   ConvertOptions options;
   options.destinationDirectory = choice->directory;
-  RunBatch(window, files, [&](const std::string& file) {
-    return Convert(window.BatchHost(), file, choice->row, options);
+  RunBatch(window, files, [&](Host& host, size_t, const std::string& file) {
+    return Convert(host, file, choice->row, options);
   });
 }
 

@@ -18,7 +18,9 @@ const Dispatcher::Entry* Dispatcher::Find(int id) const {
   return id <= it->second.last ? &it->second : nullptr;
 }
 
-bool Dispatcher::Handles(int foldedId) const { return Find(foldedId) != nullptr; }
+bool Dispatcher::Handles(int foldedId) const {
+  return Find(foldedId) != nullptr;
+}
 
 int Dispatcher::Dispatch(int id, bool shift) {
   CommandRequest request{FoldCommand(id), id, shift};

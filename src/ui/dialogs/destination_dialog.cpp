@@ -49,8 +49,8 @@ std::optional<DestinationChoice> AskDestination(QWidget* owner, const Destinatio
     button->setObjectName(QStringLiteral("button%1").arg(kFirstFormatButton + row));
     button->setAccessibleName(text);
     button->setAutoDefault(false);
-    button->setEnabled(DestinationButtonEnabled(entry, row, request.leastBits,
-                                                request.allowMotion, settings));
+    button->setEnabled(
+        DestinationButtonEnabled(entry, row, request.leastBits, request.allowMotion, settings));
     // The spare row has no format: its button is there but never shown.
     if (entry.description.empty()) button->hide();
     button->setStyleSheet(QStringLiteral("text-align: left; padding: 2px 8px;"));

@@ -13,12 +13,18 @@ namespace {
 
 QStyle::StandardPixmap PictureOf(int id) {
   switch (id) {
-    case kBtnOk: return QStyle::SP_DialogOkButton;
-    case kBtnCancel: return QStyle::SP_DialogCancelButton;
-    case kBtnYes: return QStyle::SP_DialogYesButton;
-    case kBtnNo: return QStyle::SP_DialogNoButton;
-    case kBtnHelp: return QStyle::SP_DialogHelpButton;
-    default: return QStyle::SP_CustomBase;
+    case kBtnOk:
+      return QStyle::SP_DialogOkButton;
+    case kBtnCancel:
+      return QStyle::SP_DialogCancelButton;
+    case kBtnYes:
+      return QStyle::SP_DialogYesButton;
+    case kBtnNo:
+      return QStyle::SP_DialogNoButton;
+    case kBtnHelp:
+      return QStyle::SP_DialogHelpButton;
+    default:
+      return QStyle::SP_CustomBase;
   }
 }
 

@@ -1,12 +1,14 @@
 #pragma once
 
 #include <QString>
+#include <functional>
 
 #include "config/settings.h"
 
 class QPushButton;
 class QWidget;
 class QDialog;
+class QObject;
 
 // The push buttons of every dialog come in two sets at the same places: the picture set (1 Ok,
 // 2 Cancel, 6 Yes, 7 No, 9 Help) drawn with pictures, and the plain set (851, 852, 856, 857,

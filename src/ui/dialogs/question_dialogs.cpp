@@ -92,12 +92,11 @@ NextFileAnswer NextFileDialog(QWidget* owner, std::string_view message,
   QDir dir(PathToQt(directory));
   list->addItems(dir.entryList(QDir::Files, QDir::Name | QDir::IgnoreCase));
   NextFileAnswer answer;
-  QObject::connect(list, &QListWidget::itemDoubleClicked, &frame.dialog,
-                   [&](QListWidgetItem* item) {
-                     answer = {NextFileAnswer::Kind::kFile,
-                               JoinPath(directory, PathFromQt(item->text()))};
-                     frame.dialog.done(kBtnOk);
-                   });
+  QObject::connect(
+      list, &QListWidget::itemDoubleClicked, &frame.dialog, [&](QListWidgetItem* item) {
+        answer = {NextFileAnswer::Kind::kFile, JoinPath(directory, PathFromQt(item->text()))};
+        frame.dialog.done(kBtnOk);
+      });
   frame.Add(list, ToQt(message));
   int result = frame.Run();
   if (answer.kind == NextFileAnswer::Kind::kFile) return answer;

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <QString>
-
 #include <cstdint>
 #include <optional>
 #include <span>
@@ -27,7 +26,6 @@ std::optional<std::string> CommentDialog(QWidget* owner, std::string_view fileNa
 
 // The next-file dialog ("NEXTFILEBOX") of files split into parts: the message and the files of
 // `directory`; a double-click (or Ok on a chosen file) picks the next part.
-NextFileAnswer NextFileDialog(QWidget* owner, std::string_view message,
-                              std::string_view directory);
+NextFileAnswer NextFileDialog(QWidget* owner, std::string_view message, std::string_view directory);
 
 }  // namespace pxm::ui

@@ -10,6 +10,61 @@ constexpr uint32_t kLongFileNames = 122;
 constexpr uint32_t kShowHiddenDirectories = 140;
 constexpr size_t kMaxFaceLength = 32;
 
+struct Label {
+  uint32_t control;
+  std::string_view text;
+};
+
+// The labels of the controls bound to keys, by control identifier.
+constexpr Label kLabels[] = {
+    {101, "Prompt for filter options"},
+    {102, "Pause after function"},
+    {103, "Create GIF 89a files"},
+    {104, "Mac files w/ Macbinary hdr"},
+    {105, "Graphic button bar"},
+    {106, "LBM files w/ PBM packing"},
+    {107, "Compress IFF/LBM files"},
+    {108, "Compress EXE pictures"},
+    {109, "View mode borders"},
+    {110, "Create colour TIFF files"},
+    {111, "Expand grey TIFF files"},
+    {112, "Centre view images"},
+    {113, "Relaxed UUE decoding"},
+    {114, "Write file comments"},
+    {115, "Invert text files"},
+    {116, "Create Targa 16 files"},
+    {117, "Start in thumbnail mode"},
+    {118, "Auto create thumbnails"},
+    {120, "Prompt for GIF comments"},
+    {121, "Prompt before quitting"},
+    {122, "Long file names"},
+    {123, "Read JPG files as RGB"},
+    {124, "Quit after association"},
+    {125, "Show startup logo"},
+    {126, "Write OS/2 BMP files"},
+    {127, "Prompt for destination"},
+    {128, "Check for Photo-CD"},
+    {130, "Windows EXE pictures"},
+    {131, "Prompt for file name"},
+    {132, "Filename underbars"},
+    {133, "Prompt before overwrite"},
+    {134, "Zoom when viewing"},
+    {135, "View file comments"},
+    {136, "Write GIF Interlaced"},
+    {137, "Read CDR bitmaps"},
+    {138, "Multiple Image GIF files"},
+    {139, "Colour buttons"},
+    {140, "Show hidden directories"},
+    {204, "JPG quality:"},
+    {205, "Photo-CD read options"},
+    {206, "Virtual memory drive"},
+    {207, "TIFF write options"},
+    {208, "Vector read options"},
+    {209, "Font"},
+    {210, "Thumbnail write mode"},
+    {211, "PNG compression:"},
+};
+
 const KeyRow* RowOfControl(uint32_t control) {
   for (const KeyRow& row : KeyTable())
     if (row.control == control) return &row;
@@ -58,6 +113,31 @@ void SetupState::Ok(const SetupValues& v) {
       }
     }
   }
+}
+
+std::string_view SetupLabel(uint32_t control) {
+  for (const Label& label : kLabels)
+    if (label.control == control) return label.text;
+  return {};
+}
+
+SpinText ParseSpinText(std::string_view text) {
+  int values[3] = {0, 0, 0};
+  size_t field = 0;
+  for (size_t i = 0; i < text.size() && field < 3; ++i) {
+    if (text[i] == ',') {
+      ++field;
+    } else if (text[i] >= '0' && text[i] <= '9') {
+      values[field] = values[field] * 10 + (text[i] - '0');
+    }
+  }
+  return {values[0], values[1], values[2]};
+}
+
+std::string_view SpinTextOf(uint32_t control) {
+  if (control == 204) return "1,100,75";
+  if (control == 211) return "1,9,6";
+  return {};
 }
 
 std::string DriveEntry(int32_t letter) {

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 #include "config/settings.h"
 
@@ -51,6 +52,19 @@ class SetupState {
   Settings& settings_;
   int result_ = 0;
 };
+
+// The label of a Setup control (a check box, list or spin), "" for an unknown identifier.
+std::string_view SetupLabel(uint32_t control);
+
+// A spin's range and default, from its control text "minimum,maximum,default".
+struct SpinText {
+  int minimum = 0;
+  int maximum = 0;
+  int initial = 0;
+};
+SpinText ParseSpinText(std::string_view text);
+// The control text of spin `control` ("1,100,75" for the JPEG quality), "" for none.
+std::string_view SpinTextOf(uint32_t control);
 
 // The text the drive list shows for a stored drive letter: "[-c-]", or "None" for 0.
 std::string DriveEntry(int32_t letter);

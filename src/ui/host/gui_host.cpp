@@ -95,7 +95,9 @@ bool GuiHost::PollAbort() {
   return false;
 }
 
-void GuiHost::Beep() { QApplication::beep(); }
+void GuiHost::Beep() {
+  QApplication::beep();
+}
 
 int GuiHost::ShowMessage(std::string_view text) {
   DialogScope scope(*this);
@@ -170,6 +172,8 @@ void GuiHost::SetWaitCursor(bool on) {
   }
 }
 
-void GuiHost::FileWritten(std::string_view path) { emit fileWritten(PathToQt(path)); }
+void GuiHost::FileWritten(std::string_view path) {
+  emit fileWritten(PathToQt(path));
+}
 
 }  // namespace pxm::ui

@@ -31,7 +31,7 @@ class GuiHost : public QObject, public Host {
   void EndBatch();
   bool InBatch() const { return filter_.Active() || suspended_ > 0; }
   // The user clicked to stop the batch.
-  bool AbortRequested() const { return aborted_; }
+  bool AbortRequested() const override { return aborted_; }
   // The file the batch has in hand, named in the dialogs that ask about it.
   void SetFileInHand(std::string name) { file_ = std::move(name); }
 

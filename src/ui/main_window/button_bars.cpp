@@ -15,7 +15,9 @@ constexpr int kTextButtonWidth = 64;
 constexpr int kTextButtonHeight = 20;
 constexpr int kPictureButton = 26;
 
-QString TooltipText(int id) { return ToQt(LoadMessage(kStrTooltipBase + id)); }
+QString TooltipText(int id) {
+  return ToQt(LoadMessage(kStrTooltipBase + id));
+}
 
 }  // namespace
 
@@ -77,8 +79,8 @@ void GraphicButtonBar::SetTips(const Settings& settings, const TimerFactory& tim
   tips_.clear();
   if (settings.TipWait == 0) return;
   for (auto& [id, button] : buttons_)
-    tips_[id] = new TipFilter(button, TooltipText(id), settings.TipWait, settings.TipFontSize,
-                              timers());
+    tips_[id] =
+        new TipFilter(button, TooltipText(id), settings.TipWait, settings.TipFontSize, timers());
 }
 
 TipFilter* GraphicButtonBar::Tip(int id) const {

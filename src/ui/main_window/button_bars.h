@@ -2,7 +2,6 @@
 
 #include <QFrame>
 #include <QWidget>
-
 #include <functional>
 #include <map>
 #include <memory>

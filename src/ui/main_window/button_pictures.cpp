@@ -4,7 +4,6 @@
 #include <QPainter>
 #include <QPainterPath>
 #include <QPixmap>
-
 #include <cmath>
 #include <numbers>
 
@@ -117,8 +116,8 @@ class Pen {
       p_.drawRect(QRectF(2, y - 1.5, 4.5, 4.5));
       if (ticked) {
         Stroke(kPaper, 1.1);
-        p_.drawPolyline(QPolygonF() << QPointF(2.8, y + 0.8) << QPointF(4.0, y + 2.0)
-                                    << QPointF(5.8, y - 0.6));
+        p_.drawPolyline(QPolygonF()
+                        << QPointF(2.8, y + 0.8) << QPointF(4.0, y + 2.0) << QPointF(5.8, y - 0.6));
       }
       Stroke(kInk, 1.4);
       p_.drawLine(QPointF(9, y + 0.75), QPointF(18, y + 0.75));
@@ -149,7 +148,8 @@ void Crop(Pen& d) {
 
 void Dither(Pen& d) {
   // A ramp from black to white made of dots, as a dither draws it.
-  static constexpr int kBayer[4][4] = {{0, 8, 2, 10}, {12, 4, 14, 6}, {3, 11, 1, 9}, {15, 7, 13, 5}};
+  static constexpr int kBayer[4][4] = {
+      {0, 8, 2, 10}, {12, 4, 14, 6}, {3, 11, 1, 9}, {15, 7, 13, 5}};
   d.Stroke(kInk, 0.8);
   d.Fill(kPaper);
   d.p().drawRect(QRectF(1.5, 1.5, 17, 17));
@@ -157,7 +157,8 @@ void Dither(Pen& d) {
   d.Fill(kInk);
   for (int y = 0; y < 8; ++y)
     for (int x = 0; x < 8; ++x)
-      if (kBayer[y % 4][x % 4] * 8 < (7 - x) * 16 + 6) d.p().drawRect(QRectF(2 + x * 2, 2 + y * 2, 2, 2));
+      if (kBayer[y % 4][x % 4] * 8 < (7 - x) * 16 + 6)
+        d.p().drawRect(QRectF(2 + x * 2, 2 + y * 2, 2, 2));
 }
 
 void Effects(Pen& d) {
@@ -252,7 +253,7 @@ void View(Pen& d) {
 }
 
 void Catalog(Pen& d) {
-  const QColor tiles[] = {kLightBlue, kLightOrange, kGreen, kYellow, kBlue,
+  const QColor tiles[] = {kLightBlue, kLightOrange, kGreen,     kYellow, kBlue,
                           kRed,       kLightOrange, kLightBlue, kGreen};
   d.Stroke(kInk, 0.8);
   for (int i = 0; i < 9; ++i) {
@@ -370,11 +371,14 @@ void ThumbToggle(Pen& d) {
     d.p().drawRect(QRectF(1.5 + (i % 2) * 4.5, 3.5 + (i / 2) * 4.5, 3.5, 3.5));
   }
   d.Stroke(kInk, 1.4);
-  for (int i = 0; i < 4; ++i) d.p().drawLine(QPointF(12, 4.5 + i * 2.6), QPointF(18.5, 4.5 + i * 2.6));
+  for (int i = 0; i < 4; ++i)
+    d.p().drawLine(QPointF(12, 4.5 + i * 2.6), QPointF(18.5, 4.5 + i * 2.6));
   d.Arrow(QPointF(3, 16.5), QPointF(17, 16.5), kBlue, 1.3);
 }
 
-void ChangeDirectory(Pen& d) { d.Folder(QRectF(1.5, 3.5, 17, 13), kYellow); }
+void ChangeDirectory(Pen& d) {
+  d.Folder(QRectF(1.5, 3.5, 17, 13), kYellow);
+}
 
 void MoveCopy(Pen& d) {
   d.Folder(QRectF(7.5, 7.5, 11.5, 10), kYellow);
@@ -386,29 +390,52 @@ using Painter = void (*)(Pen&);
 
 Painter PainterFor(int id) {
   switch (id) {
-    case 761: return Convert;
-    case 762: return [](Pen& d) { d.CheckList(true); };
-    case 763: return Dither;
-    case 764: return Help;
-    case 765: return [](Pen& d) { d.CheckList(false); };
-    case 766: return Effects;
-    case 767: return Rename;
-    case 768: return Info;
-    case 769: return Delete;
-    case 770: return Print;
-    case 771: return Setup;
-    case 772: return Crop;
-    case 773: return Reverse;
-    case 774: return Exit;
-    case 775: return Scale;
-    case 776: return Mill;
-    case 777: return Transform;
-    case 778: return View;
-    case 779: return Catalog;
-    case 780: return ThumbToggle;
-    case 781: return ChangeDirectory;
-    case 782: return MoveCopy;
-    default: return Mill;
+    case 761:
+      return Convert;
+    case 762:
+      return [](Pen& d) { d.CheckList(true); };
+    case 763:
+      return Dither;
+    case 764:
+      return Help;
+    case 765:
+      return [](Pen& d) { d.CheckList(false); };
+    case 766:
+      return Effects;
+    case 767:
+      return Rename;
+    case 768:
+      return Info;
+    case 769:
+      return Delete;
+    case 770:
+      return Print;
+    case 771:
+      return Setup;
+    case 772:
+      return Crop;
+    case 773:
+      return Reverse;
+    case 774:
+      return Exit;
+    case 775:
+      return Scale;
+    case 776:
+      return Mill;
+    case 777:
+      return Transform;
+    case 778:
+      return View;
+    case 779:
+      return Catalog;
+    case 780:
+      return ThumbToggle;
+    case 781:
+      return ChangeDirectory;
+    case 782:
+      return MoveCopy;
+    default:
+      return Mill;
   }
 }
 
@@ -450,6 +477,8 @@ void PaintButtonPicture(QPainter& painter, int id, const QRectF& box, bool disab
   painter.restore();
 }
 
-QIcon ButtonIcon(int id) { return QIcon(new PictureEngine(id)); }
+QIcon ButtonIcon(int id) {
+  return QIcon(new PictureEngine(id));
+}
 
 }  // namespace pxm::ui

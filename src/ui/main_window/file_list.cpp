@@ -1,7 +1,6 @@
 #include "main_window/file_list.h"
 
 #include <QKeyEvent>
-
 #include <algorithm>
 
 #include "commands/command_ids.h"
@@ -21,9 +20,9 @@ void FileListModel::SetEntries(std::vector<std::string> entries) {
 }
 
 int FileListModel::RowOf(const std::string& entry) const {
-  auto it = std::lower_bound(
-      entries_.begin(), entries_.end(), entry,
-      [](const std::string& a, const std::string& b) { return ListOrder(a, b); });
+  auto it =
+      std::lower_bound(entries_.begin(), entries_.end(), entry,
+                       [](const std::string& a, const std::string& b) { return ListOrder(a, b); });
   if (it == entries_.end() || *it != entry) return -1;
   return static_cast<int>(it - entries_.begin());
 }

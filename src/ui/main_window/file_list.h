@@ -4,7 +4,6 @@
 #include <QListView>
 #include <QSize>
 #include <QString>
-
 #include <string>
 #include <vector>
 

@@ -14,7 +14,6 @@
 #include <QScreen>
 #include <QScrollBar>
 #include <QStatusBar>
-
 #include <algorithm>
 #include <filesystem>
 
@@ -62,8 +61,9 @@ QSize CellSize(const std::vector<std::string>& entries, const QFontMetrics& metr
   for (const std::string& entry : entries) longest.push_back(&entry);
   const size_t kMeasured = 48;
   if (longest.size() > kMeasured) {
-    std::nth_element(longest.begin(), longest.begin() + kMeasured, longest.end(),
-                     [](const std::string* a, const std::string* b) { return a->size() > b->size(); });
+    std::nth_element(
+        longest.begin(), longest.begin() + kMeasured, longest.end(),
+        [](const std::string* a, const std::string* b) { return a->size() > b->size(); });
     longest.resize(kMeasured);
   }
   int width = metrics.horizontalAdvance(QStringLiteral("[..]"));
@@ -286,11 +286,13 @@ void MainWindow::TagEntries(const std::vector<std::string>& entries) {
   UpdateTagCount();
 }
 
-void MainWindow::UpdateTagCount() { cells_->SetTagCount(ToQt(TagCountText(TaggedCount()))); }
+void MainWindow::UpdateTagCount() {
+  cells_->SetTagCount(ToQt(TagCountText(TaggedCount())));
+}
 
 void MainWindow::UpdatePaste() {
-  const QMimeData* data = QApplication::clipboard()->mimeData();
-  menu_->Action(kCmdPaste)->setEnabled(data && data->hasImage());
+  const QMimeData* clip = QApplication::clipboard()->mimeData();
+  menu_->Action(kCmdPaste)->setEnabled(clip && clip->hasImage());
 }
 
 void MainWindow::ShowHelp(std::string_view topic) {
@@ -311,7 +313,9 @@ void MainWindow::RefreshFromDisk() {
   RebuildList(true);
 }
 
-void MainWindow::ShowRecentDirectories() { menu_->SetRecentDirectories(app_.recent.Items()); }
+void MainWindow::ShowRecentDirectories() {
+  menu_->SetRecentDirectories(app_.recent.Items());
+}
 
 void MainWindow::RecentDirectoryCommand(const CommandRequest& request) {
   std::string directory = menu_->RecentDirectory(request.id);
@@ -357,12 +361,19 @@ void MainWindow::SetupCommand() {
 }
 
 void MainWindow::FormatsCommand() {
-  if (RunFormatsDialog(this, CurrentSettings())) RebuildList(true);
+  if (RunFormatsDialog(this, CurrentSettings(), [this] { ShowHelp("formats"); })) RebuildList(true);
 }
 
 void MainWindow::WriteConfigurationNow() {
   if (app_.iniPath.empty()) return;
   WriteConfiguration(app_.iniPath, CurrentSettings(), app_.recent);
+}
+
+void MainWindow::BringToFront() {
+  if (isMinimized()) setWindowState(windowState() & ~Qt::WindowMinimized);
+  show();
+  raise();
+  activateWindow();
 }
 
 void MainWindow::ApplyPlacement() {

@@ -2,13 +2,13 @@
 
 #include <QMainWindow>
 #include <QPointer>
-
 #include <memory>
 #include <string>
 #include <vector>
 
 #include "commands/batch_window.h"
 #include "commands/dispatcher.h"
+#include "help/help_window.h"
 #include "main_window/app_state.h"
 
 class QFrame;
@@ -21,7 +21,7 @@ class FileListModel;
 class FileListView;
 class GraphicButtonBar;
 class GuiHost;
-class HelpWindow;
+
 class MainMenu;
 class StatusCells;
 class TextButtonBar;
@@ -47,6 +47,8 @@ class MainWindow : public QMainWindow, public BatchWindow {
   void RebuildList(bool keepTags);
   // Places the window by the settings: remembered place or defaults, maximised on request.
   void ApplyPlacement();
+  // Brings the window to the top (a later start asked for it).
+  void BringToFront();
   // Writes PXM.INI now (with the current directory and the recent directories).
   void WriteConfigurationNow();
   // What the Setup dialog's result bits ask for: 1 rebuilds the button bar and the fonts, 2 the

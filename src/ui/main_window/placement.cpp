@@ -6,7 +6,9 @@ namespace pxm::ui {
 namespace {
 
 // std::clamp with a range that may be empty on a tiny screen: the lower bound wins.
-int ClampTo(int value, int low, int high) { return std::max(low, std::min(value, high)); }
+int ClampTo(int value, int low, int high) {
+  return std::max(low, std::min(value, high));
+}
 
 }  // namespace
 

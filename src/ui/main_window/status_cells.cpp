@@ -20,7 +20,8 @@ StatusCells::StatusCells(QStatusBar* bar) {
   tagCount_ = new QLabel(bar);
   tagCount_->setObjectName(QStringLiteral("statusTagCount"));
   tagCount_->setAccessibleName(ToQt(LoadMessage(kStrTagCountCell)));
-  tagCount_->setMinimumWidth(tagCount_->fontMetrics().horizontalAdvance(QStringLiteral("0000 files tagged")));
+  tagCount_->setMinimumWidth(
+      tagCount_->fontMetrics().horizontalAdvance(QStringLiteral("0000 files tagged")));
   message_ = new QLabel(bar);
   message_->setObjectName(QStringLiteral("statusMessage"));
   message_->setAccessibleName(ToQt(LoadMessage(kStrStatusCell)));
@@ -38,9 +39,13 @@ StatusCells::StatusCells(QStatusBar* bar) {
   bar->addPermanentWidget(progress_);
 }
 
-void StatusCells::SetTagCount(const QString& text) { tagCount_->setText(text); }
+void StatusCells::SetTagCount(const QString& text) {
+  tagCount_->setText(text);
+}
 
-void StatusCells::SetMessage(const QString& text) { message_->setText(text); }
+void StatusCells::SetMessage(const QString& text) {
+  message_->setText(text);
+}
 
 void StatusCells::SetProgress(uint64_t total, uint64_t done) {
   int value = 0;
@@ -48,7 +53,11 @@ void StatusCells::SetProgress(uint64_t total, uint64_t done) {
   if (progress_->value() != value) progress_->setValue(value);
 }
 
-QString StatusCells::TagCount() const { return tagCount_->text(); }
-QString StatusCells::Message() const { return message_->text(); }
+QString StatusCells::TagCount() const {
+  return tagCount_->text();
+}
+QString StatusCells::Message() const {
+  return message_->text();
+}
 
 }  // namespace pxm::ui

@@ -31,7 +31,9 @@ class QtTipTimer : public TipTimer {
 
 }  // namespace
 
-std::unique_ptr<TipTimer> MakeQtTipTimer() { return std::make_unique<QtTipTimer>(); }
+std::unique_ptr<TipTimer> MakeQtTipTimer() {
+  return std::make_unique<QtTipTimer>();
+}
 
 TipWindow::TipWindow(const QString& text, int fontSize)
     : QLabel(text, nullptr, Qt::ToolTip | Qt::FramelessWindowHint) {
@@ -68,7 +70,9 @@ TipFilter::TipFilter(QAbstractButton* button, const QString& text, int waitMs, i
 
 TipFilter::~TipFilter() = default;
 
-bool TipFilter::TipShown() const { return tip_->isVisible(); }
+bool TipFilter::TipShown() const {
+  return tip_->isVisible();
+}
 
 void TipFilter::Dismiss() {
   timer_->Stop();

@@ -4,7 +4,6 @@
 #include <QObject>
 #include <QPoint>
 #include <QPointer>
-
 #include <functional>
 #include <memory>
 
