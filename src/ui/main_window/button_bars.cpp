@@ -79,8 +79,8 @@ void GraphicButtonBar::SetTips(const Settings& settings, const TimerFactory& tim
   tips_.clear();
   if (settings.TipWait == 0) return;
   for (auto& [id, button] : buttons_)
-    tips_[id] =
-        new TipFilter(button, TooltipText(id), settings.TipWait, settings.TipFontSize, timers());
+    tips_[id] = new TipFilter(button, TooltipText(id), settings.TipWait, settings.TipFontSize,
+                              timers ? timers(id) : MakeQtTipTimer());
 }
 
 TipFilter* GraphicButtonBar::Tip(int id) const {

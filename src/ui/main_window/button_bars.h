@@ -32,12 +32,13 @@ class TextButtonBar : public QFrame {
 class GraphicButtonBar : public QWidget {
   Q_OBJECT
  public:
-  using TimerFactory = std::function<std::unique_ptr<TipTimer>()>;
+  // Makes the timer of the tip of button `id`.
+  using TimerFactory = std::function<std::unique_ptr<TipTimer>(int id)>;
 
   explicit GraphicButtonBar(QWidget* parent);
   QAbstractButton* Button(int id) const;
   // Makes the tooltips again for TipWait and TipFontSize: none at all when TipWait is 0.
-  void SetTips(const Settings& settings, const TimerFactory& timers = MakeQtTipTimer);
+  void SetTips(const Settings& settings, const TimerFactory& timers = {});
   TipFilter* Tip(int id) const;
 
  signals:

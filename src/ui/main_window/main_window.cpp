@@ -103,6 +103,7 @@ MainWindow::MainWindow(AppState& app, QWidget* parent)
   connect(host_.get(), &GuiHost::fileWritten, watch_, &DirectoryWatch::Poke);
   connect(QApplication::clipboard(), &QClipboard::dataChanged, this, &MainWindow::UpdatePaste);
   RegisterCommands();
+  resize(kDefaultWidth, kDefaultHeight);
   ShowBars();
   UpdatePaste();
   ShowRecentDirectories();
