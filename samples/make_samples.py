@@ -251,6 +251,33 @@ def sstv(name):
     for y in range(240):
         for x in range(256):
             data += bytes(c >> 2 for c in rgb_at(x * W // 256, y * H // 240))
+def dib(bits, w=W, h=H, icon=False):
+    """A bitmap without a file header, of the wheel scaled to w x h: an icon's header counts the
+    rows of its mask too, and the mask (all opaque) follows the picture."""
+    def at(x, y):
+        return rgb_at(x * W // w, y * H // h)
+    if bits == 24:
+        table = b''
+        data = b''
+        for y in reversed(range(h)):
+            row = bytearray()
+            for x in range(w):
+                r, g, b = at(x, y)
+                row += bytes((b, g, r))
+            while len(row) % 4:
+                row.append(0)
+            data += row
+    else:
+        pal = palette(bits)
+        table = b''.join(bytes((b, g, r, 0)) for r, g, b in pal)
+        rows = [[nearest(pal, at(x, y)) for x in range(w)] for y in range(h)]
+        data = b''.join(pack(r, bits) for r in reversed(rows))
+    header = struct.pack('<IiiHHIIiiII', 40, w, 2 * h if icon else h, 1, bits, 0, 0, 0, 0, 0, 0)
+    mask = bytes(((w + 31) // 32 * 4) * h) if icon else b''
+    return header + table + data + mask
+
+
+def write(name, data):
     with open(os.path.join(HERE, name), 'wb') as f:
         f.write(data)
 
@@ -348,6 +375,200 @@ def wpg(name):
     out += bytes((0x0F, 6, 1, 0)) + struct.pack('<HH', W * 16, H * 16)
     out += record(0x0E, colours) + record(0x0B, bitmap) + bytes((0x10, 0))
         f.write(out)
+def ico(name, images):
+    """An icon file of (width, height, bits) images of the wheel."""
+    parts = [dib(bits, w, h, icon=True) for w, h, bits in images]
+    out = struct.pack('<HHH', 0, 1, len(parts))
+    offset = 6 + 16 * len(parts)
+    for (w, h, bits), part in zip(images, parts):
+        out += struct.pack('<BBBBHHII', w % 256, h % 256, (1 << bits) % 256 if bits < 8 else 0, 0,
+                           1, bits, len(part), offset)
+        offset += len(part)
+    write(name, out + b''.join(parts))
+
+
+def icon_group(icons):
+    """A group of (id, width, height, bits, data) icon resources."""
+    out = struct.pack('<HHH', 0, 1, len(icons))
+    for rid, w, h, bits, data in icons:
+        out += struct.pack('<BBBBHHIH', w % 256, h % 256, (1 << bits) % 256 if bits < 8 else 0, 0,
+                           1, bits, len(data), rid)
+    return out
+
+
+def library_resources():
+    icons = [(1, 32, 24, 8), (2, 16, 12, 4)]
+    icon_data = [(rid, w, h, bits, dib(bits, w, h, icon=True)) for rid, w, h, bits in icons]
+    res = [(3, rid, data) for rid, w, h, bits, data in icon_data]
+    res.append((14, 1, icon_group(icon_data)))
+    res.append((2, 1, dib(8)))
+    return res
+
+
+def pe_library(name, resources):
+    """A 32-bit library of one resource section: directories of types, numbers and languages."""
+    rva = 0x1000
+    types = sorted({t for t, _, _ in resources})
+    by_type = {t: [(i, d) for tt, i, d in resources if tt == t] for t in types}
+    at = 16 + 8 * len(types)
+    name_dirs = {}
+    for t in types:
+        name_dirs[t] = at
+        at += 16 + 8 * len(by_type[t])
+    lang_dirs = at
+    at += 24 * len(resources)
+    entries_at = at
+    at += 16 * len(resources)
+    root = struct.pack('<IIHHHH', 0, 0, 0, 0, 0, len(types))
+    root += b''.join(struct.pack('<II', t, 0x80000000 | name_dirs[t]) for t in types)
+    names = langs = entries = data = b''
+    k = 0
+    for t in types:
+        names += struct.pack('<IIHHHH', 0, 0, 0, 0, 0, len(by_type[t]))
+        for rid, d in by_type[t]:
+            names += struct.pack('<II', rid, 0x80000000 | (lang_dirs + 24 * k))
+            langs += struct.pack('<IIHHHHII', 0, 0, 0, 0, 0, 1, 1033, entries_at + 16 * k)
+            entries += struct.pack('<IIII', rva + at + len(data), len(d), 0, 0)
+            data += d + bytes(-len(d) % 4)
+            k += 1
+    section = root + names + langs + entries + data
+    section += bytes(-len(section) % 512)
+    optional = bytearray(224)
+    struct.pack_into('<H', optional, 0, 0x10B)
+    struct.pack_into('<II', optional, 32, 0x1000, 0x200)
+    struct.pack_into('<II', optional, 56, 0x1000 + len(section), 0x200)
+    struct.pack_into('<H', optional, 68, 2)
+    struct.pack_into('<I', optional, 92, 16)
+    struct.pack_into('<II', optional, 112, rva, at)
+    dos = b'MZ' + bytes(58) + struct.pack('<I', 64)
+    head = dos + b'PE\0\0' + struct.pack('<HHIIIHH', 0x14C, 1, 0, 0, 0, 224, 0x2102) + optional
+    head += struct.pack('<8sIIIIIIHHI', b'.rsrc', at, rva, len(section), 0x200, 0, 0, 0, 0,
+                        0x40000040)
+    write(name, head + bytes(0x200 - len(head)) + section)
+
+
+def ne_library(name, resources):
+    """A 16-bit library: its resource table counts offsets and lengths in 16-byte units."""
+    types = sorted({t for t, _, _ in resources})
+    table_size = 2 + 8 * len(types) + 12 * len(resources) + 3
+    resident = bytes((5,)) + b'WHEEL' + bytes(3)
+    data_at = (128 + table_size + len(resident) + 15) & ~15
+    table = struct.pack('<H', 4)
+    data = b''
+    for t in types:
+        items = [(i, d) for tt, i, d in resources if tt == t]
+        table += struct.pack('<HHI', 0x8000 | t, len(items), 0)
+        for rid, d in items:
+            d += bytes(-len(d) % 16)
+            table += struct.pack('<HHHHI', (data_at + len(data)) >> 4, len(d) >> 4, 0x30,
+                                 0x8000 | rid, 0)
+            data += d
+    table += bytes(3)
+    names = 64 + len(table)
+    end = names + len(resident)
+    ne = bytearray(64)
+    ne[0:4] = b'NE\x05\x0a'
+    struct.pack_into('<H', ne, 4, end)
+    struct.pack_into('<HHHHH', ne, 0x22, 64, 64, names, end, end)
+    ne[0x36] = 2
+    out = b'MZ' + bytes(58) + struct.pack('<I', 64) + bytes(ne) + table + resident
+    write(name, out + bytes(data_at - len(out)) + data)
+
+
+def cdr(name):
+    """A drawing whose "DISP" chunk holds its preview bitmap after a word of its own."""
+    def chunk(tag, body):
+        return tag + struct.pack('<I', len(body)) + body + bytes(len(body) % 2)
+    body = chunk(b'vrsn', struct.pack('<H', 600)) + chunk(b'DISP', struct.pack('<I', 1) + dib(8))
+    write(name, b'RIFF' + struct.pack('<I', 4 + len(body)) + b'CDR6' + body)
+
+
+def windows_samples():
+    bmp('wheel-rle8.rle', 8, rle=8)
+    ico('wheels.ico', [(16, 12, 4), (32, 24, 8), (64, 48, 24)])
+    pe_library('wheels.dll', library_resources())
+    ne_library('wheels.vbx', library_resources())
+    cdr('wheel.cdr')
+def wheel_at(x, y, w, h):
+    """The colour wheel of rgb_at drawn at any size, for pictures larger than the bitmaps."""
+    cx, cy = x - w / 2 + 0.5, y - h / 2 + 0.5
+    r = math.hypot(cx, cy) / (h / 2)
+    if r > 1:
+        g = int(255 * y / (h - 1))
+        return g, g, g
+    hue = (math.atan2(cy, cx) / (2 * math.pi)) % 1.0
+    i, f = int(hue * 6), hue * 6 - int(hue * 6)
+    q, t = int(255 * (1 - f)), int(255 * f)
+    return [(255, t, 0), (q, 255, 0), (0, 255, t), (0, q, 255), (t, 0, 255), (255, 0, q)][i % 6]
+
+
+def photo_ycc(rgb):
+    """8-bit PhotoYCC of a display RGB colour: luma scaled by 255 / 1.402, the chroma around 156
+    and 137."""
+    r, g, b = (v / 255 for v in rgb)
+    luma = 0.299 * r + 0.587 * g + 0.114 * b
+    clamp = lambda v: max(0, min(255, int(round(v))))
+    return clamp(255 / 1.402 * luma), clamp(111.40 * (b - luma) + 156), clamp(135.64 * (r - luma) + 137)
+
+
+def photo_cd(name):
+    """A Photo CD image pack of the wheel: the signature sector, and Base/16, Base/4 and Base at
+    their sectors, each pair of luma rows followed by a row of each chroma plane (averaged over
+    squares of four)."""
+    sector = 2048
+    out = bytearray(96 * sector + 768 * 512 * 3 // 2)
+    out[0x800:0x807] = b'PCD_IPI'
+    for w, h, first in ((192, 128, 4), (384, 256, 23), (768, 512, 96)):
+        ycc = [[photo_ycc(wheel_at(x, y, w, h)) for x in range(w)] for y in range(h)]
+        at = first * sector
+        for y in range(0, h, 2):
+            for row in (ycc[y], ycc[y + 1]):
+                out[at:at + w] = bytes(p[0] for p in row)
+                at += w
+            for plane in (1, 2):
+                for x in range(0, w, 2):
+                    out[at] = (ycc[y][x][plane] + ycc[y][x + 1][plane] + ycc[y + 1][x][plane] +
+                               ycc[y + 1][x + 1][plane] + 2) // 4
+                    at += 1
+
+
+def text(name):
+    lines = ['Pixmill reads text files as pictures of their text.',
+             '',
+             '\tTabs stop every eight columns;',
+             '\tcharacters the font lacks (caf\u00e9, \u00fcber) show as boxes.',
+             '',
+             '  0123456789 !"#$%&\'()*+,-./:;<=>?@[\\]^_`{|}~',
+             '  ABCDEFGHIJKLMNOPQRSTUVWXYZ abcdefghijklmnopqrstuvwxyz']
+        f.write('\r\n'.join(lines).encode('utf-8') + b'\r\n')
+
+
+def self_displaying(name, picture):
+    """A DOS program that says it is a picture and ends, with a bitmap stored after it."""
+    message = b'This file holds a picture after its program.\r\n$'
+    # push cs, pop ds, mov dx message, mov ah 9, int 21h, mov ax 4C00h, int 21h
+    code = bytes((0x0E, 0x1F, 0xBA, 14, 0, 0xB4, 0x09, 0xCD, 0x21, 0xB8, 0x00, 0x4C, 0xCD, 0x21))
+    body = code + message
+    size = 32 + len(body)
+    header = struct.pack('<2sHHHHHHHHHHHH', b'MZ', size % 512, (size + 511) // 512, 0, 2, 0,
+                         0xFFFF, 0, 0x100, 0, 0, 0, 0x1C) + b'\0' * 6
+    with open(os.path.join(HERE, picture), 'rb') as f:
+        pic = f.read()
+        f.write(header + body + pic)
+
+
+def photo_paint6(name):
+    """A PHOTO-PAINT 6 file, which is a TIFF: the wheel as uncompressed RGB in one strip."""
+    data = b''.join(bytes(wheel_at(x, y, W, H)) for y in range(H) for x in range(W))
+    entries = [(256, 3, 1, W), (257, 3, 1, H), (258, 3, 3, 8 + 2 + 12 * 10 + 4),
+               (259, 3, 1, 1), (262, 3, 1, 2), (273, 4, 1, 8 + 2 + 12 * 10 + 4 + 6),
+               (277, 3, 1, 3), (278, 3, 1, H), (279, 4, 1, len(data)), (284, 3, 1, 1)]
+    ifd = struct.pack('<H', len(entries))
+    for tag, kind, count, value in entries:
+        ifd += struct.pack('<HHI', tag, kind, count)
+        ifd += struct.pack('<HH', value, 0) if kind == 3 and count == 1 else struct.pack('<I', value)
+    out = b'II*\0' + struct.pack('<I', 8) + ifd + struct.pack('<I', 0) + struct.pack('<HHH', 8, 8, 8)
+        f.write(out + data)
 
 
 if __name__ == '__main__':
@@ -369,3 +590,8 @@ if __name__ == '__main__':
     pictor('wheel-ega.pic')
     halo('wheel-8bit.cut')
     wpg('wheel-8bit.wpg')
+    windows_samples()
+    photo_cd('wheel.pcd')
+    text('poem.txt')
+    self_displaying('wheel-viewer.exe', 'wheel-8bit.bmp')
+    photo_paint6('wheel-photopaint6.cpt')

@@ -13,7 +13,8 @@ build=(build-essential cmake ninja-build pkg-config zlib1g-dev libpng-dev libjpe
 # checker and ImageMagick's screenshot tool (import).
 ui=(xvfb xauth xdotool desktop-file-utils imagemagick)
 test=(imagemagick netpbm python3 python3-pil libjpeg-turbo-progs libtiff-tools sharutils gifsicle
-      ffmpeg graphicsmagick)
+      ffmpeg graphicsmagick
+      icoutils)
 bench=(graphicsmagick libvips-tools hyperfine time)
 fuzz=(clang libclang-rt-14-dev)
 

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstdint>
 #include <cstring>
 
 namespace pxm {
@@ -16,10 +17,11 @@ constexpr size_t kBufferSize = 1 << 16;
 // fewer, and the system call is cheap beside the copy.
 constexpr size_t kDirectBytes = kBufferSize / 4;
 
-ssize_t ReadFully(int fd, uint8_t* out, size_t n) {
+// Reads at a file offset, so that a window's base costs nothing and no seek is ever needed.
+ssize_t ReadFullyAt(int fd, uint8_t* out, size_t n, uint64_t offset) {
   size_t done = 0;
   while (done < n) {
-    ssize_t r = read(fd, out + done, n - done);
+    ssize_t r = pread(fd, out + done, n - done, static_cast<off_t>(offset + done));
     if (r < 0) {
       if (errno == EINTR) continue;
       return done ? static_cast<ssize_t>(done) : -1;
@@ -47,16 +49,19 @@ bool WriteFully(int fd, const uint8_t* data, size_t n) {
 
 InputFile::~InputFile() { Close(); }
 
-bool InputFile::Open(const std::string& path) {
+bool InputFile::Open(const std::string& path, FileWindow window) {
   Close();
   fd_ = open(path.c_str(), O_RDONLY | O_CLOEXEC);
   if (fd_ < 0) return false;
   struct stat st;
-  if (fstat(fd_, &st) != 0 || S_ISDIR(st.st_mode)) {
+  if (fstat(fd_, &st) != 0 || S_ISDIR(st.st_mode) ||
+      window.offset > static_cast<uint64_t>(st.st_size)) {
     Close();
     return false;
   }
-  size_ = static_cast<uint64_t>(st.st_size);
+  base_ = window.offset;
+  size_ = static_cast<uint64_t>(st.st_size) - base_;
+  if (window.length != 0 && window.length < size_) size_ = window.length;
   buffer_.resize(kBufferSize);
   pos_ = end_ = 0;
   filePos_ = 0;
@@ -71,7 +76,7 @@ void InputFile::Close() {
 
 bool InputFile::Refill() {
   if (fd_ < 0) return false;
-  ssize_t r = ReadFully(fd_, buffer_.data(), buffer_.size());
+  ssize_t r = ReadFullyAt(fd_, buffer_.data(), Within(buffer_.size()), base_ + filePos_);
   pos_ = 0;
   end_ = r > 0 ? static_cast<size_t>(r) : 0;
   filePos_ += end_;
@@ -91,7 +96,7 @@ size_t InputFile::Read(void* out, size_t n) {
   if (n - done >= kDirectBytes) {
     // Large reads go straight into the caller's memory; the buffer is empty by now.
     pos_ = end_ = 0;
-    ssize_t r = ReadFully(fd_, dst + done, n - done);
+    ssize_t r = ReadFullyAt(fd_, dst + done, Within(n - done), base_ + filePos_);
     if (r > 0) {
       filePos_ += static_cast<uint64_t>(r);
       done += static_cast<size_t>(r);
@@ -139,10 +144,16 @@ bool InputFile::Seek(uint64_t offset) {
     pos_ = static_cast<size_t>(offset - bufferStart);
     return true;
   }
-  if (lseek(fd_, static_cast<off_t>(offset), SEEK_SET) < 0) return false;
+  // Offsets past what the system's file offsets can hold fail, as seeking there always did.
+  if (offset > static_cast<uint64_t>(INT64_MAX) - base_) return false;
   filePos_ = offset;
   pos_ = end_ = 0;
   return true;
+}
+
+size_t InputFile::Within(size_t n) const {
+  const uint64_t left = filePos_ < size_ ? size_ - filePos_ : 0;
+  return static_cast<size_t>(std::min<uint64_t>(n, left));
 }
 
 OutputFile::~OutputFile() { Discard(); }

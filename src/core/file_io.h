@@ -9,6 +9,13 @@
 // handler call; both classes close their descriptor on every way out.
 namespace pxm {
 
+// A stretch of a file read as if it were the whole file: a picture kept inside another file
+// (after a program's own image, say). Length 0 reaches to the end of the file.
+struct FileWindow {
+  uint64_t offset = 0;
+  uint64_t length = 0;
+};
+
 class InputFile {
  public:
   InputFile() = default;
@@ -16,7 +23,9 @@ class InputFile {
   InputFile(const InputFile&) = delete;
   InputFile& operator=(const InputFile&) = delete;
 
-  bool Open(const std::string& path);
+  // Opens the file, or the window of it that `window` names (offsets and the size then count
+  // from its start). False when the file cannot be opened or is shorter than the window's offset.
+  bool Open(const std::string& path, FileWindow window = {});
   bool IsOpen() const { return fd_ >= 0; }
   void Close();
 
@@ -42,7 +51,10 @@ class InputFile {
 
  private:
   bool Refill();
+  // `n` cut to what is left before the end of the file or window.
+  size_t Within(size_t n) const;
   int fd_ = -1;
+  uint64_t base_ = 0;  // the window's offset in the file
   uint64_t size_ = 0;
   uint64_t filePos_ = 0;  // file offset just past the buffered bytes
   std::vector<uint8_t> buffer_;

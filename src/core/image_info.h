@@ -7,6 +7,8 @@
 #include <string>
 #include <vector>
 
+#include "core/file_io.h"
+
 namespace pxm {
 
 class Host;
@@ -70,6 +72,10 @@ struct ImageInfo {
   // A file a reader made for its own use (a decoded attachment, say) that the post-read step
   // removes.
   std::string temporaryFile;
+  // Where the picture lies in its file when the file holds more than the picture (a picture kept
+  // after a program's own image): the handlers of the picture's format read only that stretch.
+  // Empty for an ordinary file.
+  FileWindow embedded;
   // The picture's own size when info, asked for a thumbnail (purpose 1), arranged for the reader
   // to deliver it reduced (width and depth then give the reduced size); 0 otherwise.
   uint32_t fullWidth = 0;

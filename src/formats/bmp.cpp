@@ -182,7 +182,7 @@ int BmpInfo(ImageInfo& info, const std::string& path, int /*purpose*/) {
 
 int BmpRead(ImageInfo& info, const std::string& path) {
   InputFile in;
-  if (!in.Open(path)) return kOpenError;
+  if (!in.Open(path, info.embedded)) return kOpenError;
   uint8_t h[kReadHeaderBytes];
   if (!in.ReadExact(h, sizeof h)) return kReadError;
   if (!HasSignature(h)) return kCorruptedFile;

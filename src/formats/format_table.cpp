@@ -8,22 +8,30 @@
 #include "core/names.h"
 #include "formats/bga.h"
 #include "formats/bmp.h"
+#include "formats/cdr.h"
 #include "formats/clipboard.h"
+#include "formats/corel_paint.h"
 #include "formats/cut.h"
+#include "formats/dll.h"
+#include "formats/exe_picture.h"
 #include "formats/fits.h"
 #include "formats/gem_img.h"
 #include "formats/gif.h"
+#include "formats/ico.h"
 #include "formats/iff.h"
 #include "formats/jpeg.h"
 #include "formats/macpaint.h"
 #include "formats/msp.h"
 #include "formats/pcx.h"
 #include "formats/pfs_art.h"
+#include "formats/photo_cd.h"
 #include "formats/pictor.h"
 #include "formats/png.h"
+#include "formats/rle.h"
 #include "formats/sstv.h"
 #include "formats/sun_raster.h"
 #include "formats/targa.h"
+#include "formats/text_file.h"
 #include "formats/tiff.h"
 #include "formats/uue.h"
 #include "formats/wpg.h"
@@ -63,25 +71,25 @@ constexpr FormatEntry kTable[kFormatCount] = {
     {kNoList, BmpInfo, BmpRead, BmpWrite, nullptr, 24, "BMP", "(BMP) Windows", 1, kCapsFile},
     {kNoList, MspInfo, MspRead, MspWrite, nullptr, 1, "MSP", "(MSP) Microsoft Paint", 1, kCapsFile},
     {IffList, IffInfo, IffRead, IffWrite, nullptr, 8, "LBM", "(LBM) Amiga", 1, kCapsFile},
-    {kNoList, PXM_NOT_BUILT, nullptr, 8, "EXE", "(EXE) Self-displaying image", 1, kCapsFile},
-    {kNoList, PXM_NOT_BUILT, nullptr, 24, "TXT", "(TXT) Text files", 1, kCapsFile},
-    {kNoList, PXM_NOT_BUILT, nullptr, 8, "RLE", "(RLE) Windows", 1, kCapsFile},
+    {kNoList, ExeInfo, ExeRead, RefuseWrite5, nullptr, 8, "EXE", "(EXE) Self-displaying image", 1, kCapsFile},
+    {kNoList, TextInfo, TextRead, RefuseWrite5, nullptr, 24, "TXT", "(TXT) Text files", 1, kCapsFile},
+    {kNoList, RleInfo, RleRead, RleWrite, nullptr, 8, "RLE", "(RLE) Windows", 1, kCapsFile},
     {kNoList, JpegInfo, JpegRead, JpegWrite, nullptr, 24, "JPG", "(JPG) Jpeg", 1, kCapsFile},
     {kNoList, ArtInfo, ArtRead, ArtWrite, nullptr, 1, "ART", "(ART) PFS:Publisher", 1, kCapsFile},
     {IffList, IffInfo, IffRead, IffWrite, nullptr, 24, "IFF", "(IFF) Amiga", 1, kCapsFile},
     {kNoList, SunInfo, SunRead, SunWrite, nullptr, 24, "RAS", "(RAS) Sun raster", 1, kCapsFile},
     {kNoList, HrzInfo, HrzRead, HrzWrite, nullptr, 24, "HRZ", "(HRZ) SSTV", 1, kCapsFile},
     {kNoList, BmpInfo, BmpRead, BmpWrite, nullptr, 24, "DIB", "(DIB) Windows", 1, kCapsFile},
-    {kNoList, PXM_NOT_BUILT, nullptr, 8, "ICO", "(ICO) Windows icon", 1, kCapsFile},
+    {kNoList, IcoInfo, IcoRead, IcoWrite, nullptr, 8, "ICO", "(ICO) Windows icon", 1, kCapsFile},
     {kNoList, RefuseInfo5, RefuseRead5, RefuseWrite5, nullptr, 24, "AVI", "(AVI) Video for Windows",
      1, kCapsFile | kCapsAnimated | kCapsMotion | kCapsMovie | kCapsReadsFrames},
     {kNoList, RefuseInfo8, RefuseRead8, ClipboardWrite, nullptr, 24, "CBD", "(CDB) Clipboard", 1,
      kCapsFile | kCapsVector | kCapsClipboard},
-    {kList5, PXM_NOT_BUILT, nullptr, 24, "CPT", "(CPT) Corel PhotoPAINT", 1,
+    {kList5, CptInfo, CptRead, RefuseWrite5, nullptr, 24, "CPT", "(CPT) Corel PhotoPAINT", 1,
      kCapsFile | kCapsCorel},
     {FitsList, FitsInfo, FitsRead, FitsWrite, nullptr, 24, "FIT", "(FIT) Flex. Image Transport", 1,
      kCapsFile},
-    {kList5, PXM_NOT_BUILT, nullptr, 24, "CDR", "(CDR) Corel Draw Preview", 1,
+    {CdrList, CdrInfo, CdrRead, RefuseWrite5, nullptr, 24, "CDR", "(CDR) Corel Draw Preview", 1,
      kCapsFile | kCapsAnimated | kCapsMultiImage},
     {kNoList, BgaInfo, BgaRead, BgaWrite, nullptr, 24, "BGA", "(BGA) OS/2 Warp", 1,
      kCapsFile | kCapsAnimated | kCapsMultiImage},
@@ -95,7 +103,7 @@ constexpr FormatEntry kTable[kFormatCount] = {
      kCapsFile | kCapsAnimated | kCapsMotion | kCapsReadsFrames},
     {kNoList, PXM_NOT_BUILT, nullptr, 8, "FLC", "(FLC) FLIC animation", 1,
      kCapsFile | kCapsAnimated | kCapsMotion | kCapsReadsFrames},
-    {kNoList, PXM_NOT_BUILT, nullptr, 24, "PCD", "(PCD) Kodak Photo-CD", 1, kCapsFile},
+    {kNoList, PcdInfo, PcdRead, RefuseWrite5, nullptr, 24, "PCD", "(PCD) Kodak Photo-CD", 1, kCapsFile},
     {kNoList, RefuseInfo5, RefuseRead5, RefuseWrite5, nullptr, 24, "WMF", "(WMF) Windows Metafile",
      1, kCapsVector},
     {kNoList, RefuseInfo5, RefuseRead5, RefuseWrite5, nullptr, 24, "CLP", "(CLP) Windows Clipboard",
@@ -103,9 +111,9 @@ constexpr FormatEntry kTable[kFormatCount] = {
     {kNoList, UueInfo, UueRead, RefuseWrite5, nullptr, 24, "UUE", "(UUE) UUEncoded graphics", 1,
      kCapsFile},
     {kNoList, JpegInfo, JpegRead, JpegWrite, nullptr, 24, "JPE", "(JPE) Jpeg", 1, kCapsFile},
-    {kNoList, PXM_NOT_BUILT, nullptr, 24, "DLL", "(DLL) Windows library", 1,
+    {DllList, DllInfo, DllRead, RefuseWrite5, nullptr, 24, "DLL", "(DLL) Windows library", 1,
      kCapsFile | kCapsAnimated | kCapsMultiImage},
-    {kNoList, PXM_NOT_BUILT, nullptr, 24, "VBX", "(VBX) Windows library", 1,
+    {DllList, DllInfo, DllRead, RefuseWrite5, nullptr, 24, "VBX", "(VBX) Windows library", 1,
      kCapsFile | kCapsAnimated | kCapsMultiImage},
     {FitsList, FitsInfo, FitsRead, FitsWrite, nullptr, 24, "FTS", "(FTS) Flex. Image Transport", 1,
      kCapsFile},

@@ -130,7 +130,7 @@ int GifInfo(ImageInfo& info, const std::string& path, int /*purpose*/) {
   StartInfo(info, path);
   info.readComments = GifReadComments;
   GifFile g;
-  if (int code = g.Open(path)) return code;
+  if (int code = g.Open(path, info.embedded)) return code;
   info.fileSize = static_cast<int32_t>(g.in.Size());
   info.description.assign(reinterpret_cast<const char*>(g.header), 6);
   info.description.resize(
@@ -162,7 +162,7 @@ int GifInfo(ImageInfo& info, const std::string& path, int /*purpose*/) {
 
 int GifRead(ImageInfo& info, const std::string& path) {
   GifFile g;
-  if (int code = g.Open(path)) return code;
+  if (int code = g.Open(path, info.embedded)) return code;
   Pick pick;
   if (int code = Locate(g, info.imageIndex, nullptr, pick)) return code;
   // A file without an image reads as an empty picture.

@@ -44,8 +44,8 @@ FixedPart FixedPartOf(int label) {
 
 }  // namespace
 
-int GifFile::Open(const std::string& path) {
-  if (!in.Open(path)) return kOpenError;
+int GifFile::Open(const std::string& path, FileWindow window) {
+  if (!in.Open(path, window)) return kOpenError;
   if (in.ReadExact(header, kGifHeaderBytes) && HasSignature(header)) return kOk;
   // Files copied from a Macintosh may keep their MacBinary header.
   if (in.Seek(kMacBinaryBytes) && in.ReadExact(header, kGifHeaderBytes) && HasSignature(header)) {

@@ -49,7 +49,7 @@ struct GifFile {
 
   // Opens the file and finds the header, at the start or behind a MacBinary header: 1 when the
   // file cannot be opened, 2 when no header is found.
-  int Open(const std::string& path);
+  int Open(const std::string& path, FileWindow window = {});
   uint32_t ScreenBits() const { return (header[kGifScreenFlags] & 7u) + 1; }
   bool HasGlobalTable() const { return (header[kGifScreenFlags] & 0x80) != 0; }
 };

@@ -13,7 +13,7 @@ void StartInfo(ImageInfo& info, const std::string& path) {
 
 int OpenForInfo(ImageInfo& info, const std::string& path, InputFile& in) {
   StartInfo(info, path);
-  if (!in.Open(path)) return kOpenError;
+  if (!in.Open(path, info.embedded)) return kOpenError;
   info.fileSize = static_cast<int32_t>(in.Size());
   return kOk;
 }

@@ -75,8 +75,8 @@ Header ParseHeader(const uint8_t* h) {
 
 // Opens the file and reads the header: 1 when it cannot be opened, 2 when it is short or its
 // first byte is not the PCX mark.
-int OpenHeader(InputFile& in, const std::string& path, uint8_t* h) {
-  if (!in.Open(path)) return kOpenError;
+int OpenHeader(InputFile& in, const std::string& path, FileWindow window, uint8_t* h) {
+  if (!in.Open(path, window)) return kOpenError;
   if (!in.ReadExact(h, kHeaderBytes) || h[kManufacturer] != kManufacturerMark)
     return kCorruptedFile;
   return kOk;
@@ -287,7 +287,7 @@ int PcxInfo(ImageInfo& info, const std::string& path, int /*purpose*/) {
 int PcxRead(ImageInfo& info, const std::string& path) {
   InputFile in;
   uint8_t h[kHeaderBytes];
-  if (int code = OpenHeader(in, path, h)) return code;
+  if (int code = OpenHeader(in, path, info.embedded, h)) return code;
   Header header = ParseHeader(h);
   if (!Describable(header)) return kCorruptedFile;
   // The record describes the picture the store was made for; a file changed since info was taken

@@ -153,13 +153,8 @@ int PngResultCode(int result) {
   }
 }
 
-int PngInfo(ImageInfo& info, const std::string& path, int /*purpose*/) {
-  StartInfo(info, path);
-  info.readComments = PngReadComments;
-  InputFile in;
-  if (!in.Open(path)) return kOpenError;
-  info.fileSize = static_cast<int32_t>(in.Size());
-  PngChunkReader chunks(in);
+int PngDescribe(ImageInfo& info, InputFile& in, uint64_t start) {
+  PngChunkReader chunks(in, start);
   uint8_t h[kPngHeaderBytes];
   if (int code = chunks.StartWithHeader(h)) return code;
   info.palette[0] = Rgb{0, 0, 0};
@@ -172,7 +167,8 @@ int PngInfo(ImageInfo& info, const std::string& path, int /*purpose*/) {
   const uint32_t samples = SamplesPerPixel(h[kColourType], h[kBitDepth]);
   if (samples == 0) return kCorruptedFile;
   // Deflate makes at most 1032 bytes of one, and the rows hold at least their pixels.
-  if (!FileCouldHold(in.Size(), sizeof kPngSignature + 12 + kPngHeaderBytes,
+  if (in.Size() < start ||
+      !FileCouldHold(in.Size() - start, sizeof kPngSignature + 12 + kPngHeaderBytes,
                      PackedPictureBytes(width, height, samples * h[kBitDepth]), 1032))
     return kCorruptedFile;
   info.width = width;
@@ -207,6 +203,15 @@ int PngInfo(ImageInfo& info, const std::string& path, int /*purpose*/) {
     }
   }
   return kReadError;  // the file ends before IEND
+}
+
+int PngInfo(ImageInfo& info, const std::string& path, int /*purpose*/) {
+  StartInfo(info, path);
+  info.readComments = PngReadComments;
+  InputFile in;
+  if (!in.Open(path)) return kOpenError;
+  info.fileSize = static_cast<int32_t>(in.Size());
+  return PngDescribe(info, in, 0);
 }
 
 int PngRead(ImageInfo& info, const std::string& path) {

@@ -3,6 +3,7 @@
 #include <string>
 #include <vector>
 
+#include "core/file_io.h"
 #include "core/image_info.h"
 
 // Portable Network Graphics: read in every colour type, depth and interlace, written without
@@ -10,6 +11,9 @@
 namespace pxm {
 
 int PngInfo(ImageInfo& info, const std::string& path, int purpose);
+// What PngInfo puts into the record (size, bits, palette, unpacked size, the interlace text),
+// for a PNG file that starts at `start` of an open file (an icon's image, say).
+int PngDescribe(ImageInfo& info, InputFile& in, uint64_t start);
 int PngRead(ImageInfo& info, const std::string& path);
 int PngWrite(ImageInfo& info, const std::string& path);
 // The chunk report: one heading and its lines per chunk.

@@ -11,9 +11,9 @@ namespace pxm {
 
 int PngChunkReader::Start() {
   uint8_t signature[sizeof kPngSignature];
-  if (!in_.Seek(0) || !in_.ReadExact(signature, sizeof signature)) return kReadError;
+  if (!in_.Seek(start_) || !in_.ReadExact(signature, sizeof signature)) return kReadError;
   if (std::memcmp(signature, kPngSignature, sizeof signature) != 0) return kCorruptedFile;
-  next_ = sizeof kPngSignature;
+  next_ = start_ + sizeof kPngSignature;
   return kOk;
 }
 

@@ -18,9 +18,12 @@ inline constexpr size_t kPngHeaderBytes = 13;  // IHDR's data
 // data never pass the chunk's end, whatever its length says.
 class PngChunkReader {
  public:
-  explicit PngChunkReader(InputFile& in) : in_(in) {}
+  // `start` is where the PNG data begins in the file: 0, or an image's offset inside another
+  // file (an icon's, say).
+  explicit PngChunkReader(InputFile& in, uint64_t start = 0)
+      : in_(in), start_(start), next_(start + sizeof kPngSignature) {}
 
-  // Checks the signature at the start of the file: 0, 3 ("Error reading file") when the file is
+  // Checks the signature at the start of the PNG data: 0, 3 ("Error reading file") when the file is
   // shorter than the signature, 2 ("Corrupted file") when it is not a PNG signature.
   int Start();
   // Start, then the IHDR chunk, which must come first with its 13 bytes, read into `header`:
@@ -46,7 +49,8 @@ class PngChunkReader {
 
  private:
   InputFile& in_;
-  uint64_t next_ = sizeof kPngSignature;  // where the next chunk's length is
+  uint64_t start_;
+  uint64_t next_;  // where the next chunk's length is
   uint64_t dataStart_ = 0;
   uint32_t length_ = 0;
   uint32_t read_ = 0;  // bytes of the data read so far

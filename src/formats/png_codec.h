@@ -70,5 +70,7 @@ enum PngResult : int {
 // (with or without alpha) as 24-bit RGB, 16-bit grey as 24-bit RGB; 16-bit samples keep their
 // high byte, alpha is dropped. Adam 7 files are decoded whole before their rows are delivered.
 int PngUnpackImage(ImageInfo& info, const std::string& path);
+// The same for a PNG file that starts at `start` of an open file (an icon's image, say).
+int PngUnpackAt(ImageInfo& info, InputFile& in, uint64_t start);
 
 }  // namespace pxm

@@ -165,18 +165,14 @@ bool HasImageData(PngChunkReader& chunks) {
   return true;
 }
 
-}  // namespace
-
-int PngUnpackImage(ImageInfo& info, const std::string& path) {
-  InputFile in;
-  if (!in.Open(path)) return kPngCannotRead;
-  PngChunkReader chunks(in);
+int Unpack(ImageInfo& info, InputFile& in, uint64_t start, const char* path) {
+  PngChunkReader chunks(in, start);
   if (int code = chunks.Start()) return code == kReadError ? kPngTruncated : kPngNotPng;
   if (!HasImageData(chunks)) return kPngNoImage;
-  if (!in.Seek(sizeof kPngSignature)) return kPngCannotRead;
+  if (!in.Seek(start + sizeof kPngSignature)) return kPngCannotRead;
 
   Job job;
-  job.path = path.c_str();
+  job.path = path;
   job.in = &in;
   job.sink = &info.putLine;
   job.png = png_create_read_struct_2(PNG_LIBPNG_VER_STRING, &job, OnError, OnWarning, &job,
@@ -186,6 +182,18 @@ int PngUnpackImage(ImageInfo& info, const std::string& path) {
   if (!job.pngInfo) return kPngNoMemory;
   png_set_read_fn(job.png, &job, ReadData);
   return DecodeFenced(&job);
+}
+
+}  // namespace
+
+int PngUnpackImage(ImageInfo& info, const std::string& path) {
+  InputFile in;
+  if (!in.Open(path)) return kPngCannotRead;
+  return Unpack(info, in, 0, path.c_str());
+}
+
+int PngUnpackAt(ImageInfo& info, InputFile& in, uint64_t start) {
+  return Unpack(info, in, start, "");
 }
 
 }  // namespace pxm

@@ -7,6 +7,11 @@
 
 namespace pxm {
 
+// The most picture bytes that one byte of run-length data can stand for: a two-byte run pair
+// gives at most 255 pixels, 255 bytes at 8 bits and 128 at 4. Files whose data could not hold
+// the picture their header declares even so are refused before a store is made for them.
+constexpr uint64_t RleBestRatio(bool fourBit) { return fourBit ? 64 : 128; }
+
 // Unpacks run-length coded bitmap rows one at a time: 8-bit runs (one byte per pixel out) or
 // 4-bit runs (packed nibbles out, high nibble first). State carries over between rows, because a
 // delta escape moves the pen into rows that later calls produce.

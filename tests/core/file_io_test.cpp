@@ -25,6 +25,27 @@ std::string PatternBytes(size_t n) {
   return s;
 }
 
+TEST(InputFile, AWindowReadsAsAWholeFile) {
+  TempDir dir;
+  test::WriteFileBytes(dir / "data", PatternBytes(kBigFile));
+  InputFile in;
+  // Offsets count from the window's start; reads, small and large, stop at its end.
+  for (const FileWindow w : {FileWindow{1000, 66000}, FileWindow{69000, 0}}) {
+    const uint64_t size = w.length ? w.length : kBigFile - w.offset;
+    ASSERT_TRUE(in.Open(dir / "data", w));
+    EXPECT_EQ(in.Size(), size);
+    EXPECT_EQ(in.ReadByte(), PatternByte(w.offset));
+    ASSERT_TRUE(in.Seek(size - 1));
+    EXPECT_EQ(in.ReadByte(), PatternByte(w.offset + size - 1));
+    EXPECT_EQ(in.ReadByte(), -1);
+    ASSERT_TRUE(in.Seek(2));
+    std::vector<uint8_t> all(size + 50);
+    EXPECT_EQ(in.Read(all.data(), all.size()), size - 2);
+    EXPECT_EQ(all[0], PatternByte(w.offset + 2));
+  }
+  EXPECT_FALSE(in.Open(dir / "data", FileWindow{kBigFile + 1, 0}));
+}
+
 TEST(InputFile, ReadsSeeksAndLines) {
   TempDir dir;
   test::WriteFileBytes(dir / "data", PatternBytes(kBigFile));

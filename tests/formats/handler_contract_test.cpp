@@ -10,6 +10,8 @@
 #include "core/error_codes.h"
 #include "formats/format_table.h"
 #include "support/decoded.h"
+#include "support/icon_files.h"
+#include "support/photo_cd_builder.h"
 #include "support/picture_files.h"
 #include "support/temp_dir.h"
 
@@ -23,7 +25,8 @@ const FormatEntry& Row(const std::string& ext) {
 TEST(Handlers, MissingFilesAreOpenErrors) {
   test::TempDir dir;
   for (const char* ext : {"bmp", "bga", "pcx", "gif", "tif", "tga", "jpg", "iff", "ras", "fit",
-                          "png", "uue", "pic", "cut", "wpg"}) {
+                          "png", "uue", "pic", "cut", "wpg", "rle", "ico", "dll", "vbx", "cdr",
+                          "pcd", "txt", "exe", "cpt"}) {
     ImageInfo info;
     const std::string path = dir / (std::string("missing.") + ext);
     EXPECT_EQ(Row(ext).info(info, path, 0), kOpenError) << ext;
@@ -37,9 +40,23 @@ TEST(Handlers, InfoStartsTheRecordWithTheNamePartBackgroundZeroAndTheFileLength)
   test::TempDir dir;
   for (auto [ext, bits] : {std::pair{"bmp", 8u}, {"bga", 8u}, {"pcx", 8u}, {"gif", 8u},
                            {"tif", 8u}, {"tga", 8u}, {"jpg", 24u}, {"iff", 8u}, {"ras", 8u},
-                           {"fit", 8u}, {"png", 8u}, {"pic", 8u}, {"cut", 8u}, {"wpg", 8u}}) {
+                           {"fit", 8u}, {"png", 8u}, {"pic", 8u}, {"cut", 8u}, {"wpg", 8u},
+                           {"rle", 8u}, {"ico", 8u}, {"dll", 0u}, {"vbx", 0u}, {"cdr", 0u}}) {
     const std::string name = std::string("Rec.") + ext;
-    ASSERT_EQ(test::WritePicture(test::Pattern(9, 5, bits), dir / name), kOk) << ext;
+    if (bits != 0) {
+      ASSERT_EQ(test::WritePicture(test::Pattern(9, 5, bits), dir / name), kOk) << ext;
+    } else {
+      // Rows that are not written get a file of one 9 x 5 bitmap made here.
+      const std::string dib = test::DibBytes(9, 5, 8, [](uint32_t, int32_t) { return 1u; }, false);
+      const auto size = static_cast<uint32_t>(dib.size());
+      const std::string cdr = "RIFF" + test::Le(size + 16, 4) + "CDR5DISP" +
+                              test::Le(size + 4, 4) + test::Le(1, 4) + dib;
+      const std::string dll = test::PeLibrary({{2, 1, dib}}, false);
+      const std::string e = ext;
+      test::WriteFileBytes(dir / name, e == "cdr"   ? cdr
+                                       : e == "dll" ? dll
+                                                    : test::NeLibrary({{2, 1, dib}}));
+    }
     ImageInfo info;
     info.fileName = "stale";
     info.background = 9;
@@ -204,7 +221,8 @@ TEST(Handlers, ASinkThatAnswersOneStopsTheReaderAtOnce) {
                         {"gif", 8, kCancelled}, {"tif", 8, kCancelled}, {"tga", 8, kCancelled},
                         {"jpg", 24, kCancelled}, {"iff", 8, kCancelled}, {"ras", 8, kCancelled},
                         {"fit", 8, kCancelled}, {"png", 8, kCancelled}, {"pic", 8, kCancelled},
-                        {"cut", 8, kCancelled}, {"wpg", 8, kCancelled}};
+                        {"cut", 8, kCancelled}, {"wpg", 8, kCancelled}, {"rle", 8, kCancelled},
+                        {"ico", 8, kCancelled}};
   test::TempDir dir;
   for (const Case& c : cases) {
     const std::string path = dir / (std::string("s.") + c.ext);
@@ -219,13 +237,44 @@ TEST(Handlers, ASinkThatAnswersOneStopsTheReaderAtOnce) {
   EXPECT_EQ(test::DecodeFile(dir / "s.jpg", 2).order, (std::vector<int32_t>{0, 1}));
 }
 
+TEST(Handlers, ReadOnlyRowsStartTheRecordAndStopWithTheSink) {
+  // Rows without a writer get their files assembled here: a Photo CD pack, a text, a program
+  // with a PCX picture after it, a PHOTO-PAINT 6 file (a TIFF).
+  test::TempDir dir;
+  ASSERT_EQ(test::WritePicture(test::Pattern(9, 40, 8), dir / "p.pcx"), kOk);
+  ASSERT_EQ(test::WritePicture(test::Pattern(9, 40, 8), dir / "p.tif"), kOk);
+  std::string program(512, '\x90');
+  program.replace(0, 6, std::string("MZ\0\0\1\0", 6));
+  const std::pair<const char*, std::string> files[] = {
+      {"pcd", test::PhotoCdPack(test::PcdGradient)},
+      {"txt", "one\ntwo\nthree\n"},
+      {"exe", program + test::ReadFileBytes(dir / "p.pcx")},
+      {"cpt", test::ReadFileBytes(dir / "p.tif")}};
+  for (const auto& [ext, bytes] : files) {
+    const std::string name = std::string("Rec.") + ext;
+    test::WriteFileBytes(dir / name, bytes);
+    ImageInfo info;
+    info.fileName = "stale";
+    info.background = 9;
+    ASSERT_EQ(Row(ext).info(info, dir / name, 0), kOk) << ext;
+    EXPECT_EQ(info.fileName, name);
+    EXPECT_EQ(info.background, 0u) << ext;
+    EXPECT_EQ(info.fileSize, int32_t(bytes.size())) << ext;
+    EXPECT_FALSE(CanWrite(Row(ext))) << ext;
+    const test::Decoded d = test::DecodeFile(dir / name, 2);
+    EXPECT_EQ(d.readCode, kCancelled) << ext;
+    EXPECT_EQ(d.order, (std::vector<int32_t>{0, 1})) << ext;
+  }
+}
+
 TEST(Handlers, AStoppedWriterLeavesNoFileAndAFileThatCannotBeMadeIsACreateError) {
   // GIF's coder takes any stop, the source's too, for a write error.
   test::TempDir dir;
   const test::Picture p = test::Pattern(9, 5, 8);
   for (auto [ext, code] : {std::pair{"bmp", kCancelled}, {"bga", kCancelled}, {"pcx", kCancelled},
                            {"tif", kCancelled}, {"jpg", kCancelled}, {"gif", kWriteError},
-                           {"pic", kCancelled}, {"cut", kCancelled}, {"wpg", kCancelled}}) {
+                           {"pic", kCancelled}, {"cut", kCancelled}, {"wpg", kCancelled},
+                           {"rle", kCancelled}, {"ico", kCancelled}}) {
     ImageInfo info;
     info.width = p.width;
     info.depth = p.depth;

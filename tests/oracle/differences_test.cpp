@@ -122,6 +122,13 @@ const std::vector<Difference>& Differences() {
        "the format's default map is the VGA's; ImageMagick and GraphicsMagick show it with green "
        "and blue exchanged (and four levels apart), and ImageMagick one bit in black and green",
        "WpgOracle.FilesWithoutAColourMap, wpg_test"},
+      {"D41", "PCD", "colours (ImageMagick)",
+       "the display equations, values past 255 held at 255: reference white is 247, where "
+       "ImageMagick divides by the luma factor to keep the headroom (white 182)",
+       "the published conversion for display", "PhotoCdOracle (ImageMagick times 1.3584)"},
+      {"D42", "PCD", "the half turn of the attribute byte (ImageMagick, FFmpeg)",
+       "turned half round; ImageMagick leaves it unturned, FFmpeg turns nothing",
+       "the attribute's two bits name four turns", "photo_cd_test"},
   };
   return table;
 }

@@ -145,8 +145,8 @@ void Make(std::vector<CaseFiles>& runs, const test::TempDir& dir, Batch& batch) 
   for (CaseFiles& r : runs) {
     const Case& c = *r.c;
     const std::string stem = "c" + std::to_string(r.index) + "-";
-    std::string scenes, key = c.maker.magick + "|" + std::to_string(c.picture) + "|" +
-                              std::to_string(c.look) + "|" + std::to_string(c.height);
+    std::string scenes, key = c.maker.magick + "|" + Ext(c) + "|" + std::to_string(c.picture) +
+                              "|" + std::to_string(c.look) + "|" + std::to_string(c.height);
     for (uint32_t w : c.widths) {
       Item item{w, HeightFor(c, w), stem + std::to_string(w) + "." + Ext(c)};
       if (c.maker.tool == Tool::kPixmill) {

@@ -100,6 +100,7 @@ std::vector<std::string> OtherProgramsFiles(const std::string& dir) {
       {"BMP", "BMP3"}, {"DIB", "BMP2"}, {"PCX", "PCX"},  {"GIF", "GIF"},  {"PNG", "PNG"},
       {"TGA", "TGA"},  {"RAS", "SUN"},  {"FIT", "FITS"}, {"TIF", "TIFF"}, {"JPG", "JPEG"},
       {"ART", "ART"},  {"HRZ", "HRZ"},
+      {"RLE", "BMP3"}, {"ICO", "ICO"},
   };
   static const char* kVariants[] = {"-type truecolor", "-type palette", "-type grayscale",
                                     "-type bilevel", "-resize 7x5! -type palette",
