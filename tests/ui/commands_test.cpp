@@ -1,5 +1,7 @@
 // Command dispatch and the windows it opens: folding, the shared rules, Exit and its question,
 // recent directories, the Setup dialog's result bits, the tooltips, Formats, Help and Paste.
+#include <sys/socket.h>
+#include <sys/un.h>
 #include <unistd.h>
 
 #include <QAbstractButton>
@@ -10,6 +12,7 @@
 #include <QImage>
 #include <QListWidget>
 #include <QMouseEvent>
+#include <QSignalSpy>
 #include <QSpinBox>
 #include <filesystem>
 #include <map>
@@ -24,6 +27,11 @@
 #include "main_window/main_menu.h"
 #include "main_window/main_window.h"
 #include "main_window/tip_filter.h"
+#include "startup/command_line.h"
+#include "startup/logo_picture.h"
+#include "startup/single_instance.h"
+#include "startup/splash.h"
+#include "support/picture_files.h"
 #include "support/temp_dir.h"
 #include "support/ui_test_env.h"
 
@@ -309,6 +317,79 @@ class CommandsTest : public QObject {
     QCOMPARE(gif->text(), QStringLiteral(" \t(GIF) CompuServe"));
     QVERIFY(dialog.Changed());
     QCOMPARE(list->count(), 41);
+  }
+
+  void startArguments_data() {
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<QString>("directory");
+    QTest::addColumn<QStringList>("tagged");
+    const QString dir = QString::fromStdString(dir_.path());
+    QTest::newRow("none") << QStringList{} << "" << QStringList{};
+    QTest::newRow("a directory") << QStringList{dir + "/one/"} << dir + "/one" << QStringList{};
+    QTest::newRow("files") << QStringList{dir + "/a.bmp", "b.bmp"} << dir
+                           << QStringList{"a.bmp", "b.bmp"};
+    QTest::newRow("files elsewhere and missing")
+        << QStringList{"gone.bmp", "a.bmp", dir + "/one/c.bmp"} << dir << QStringList{"a.bmp"};
+  }
+
+  void startArguments() {
+    QFETCH(QStringList, arguments);
+    QFETCH(QString, directory);
+    QFETCH(QStringList, tagged);
+    std::filesystem::create_directories(dir_ / "one");
+    for (const char* name : {"a.bmp", "b.bmp", "one/c.bmp"}) test::WriteFileBytes(dir_ / name, "x");
+    std::vector<std::string> args;
+    for (const QString& a : arguments) args.push_back(a.toStdString());
+    StartRequest request = ParseStartArguments(args, dir_.path());
+    QCOMPARE(QString::fromStdString(request.directory), directory);
+    QStringList names;
+    for (const std::string& name : request.tagged) names << QString::fromStdString(name);
+    QCOMPARE(names, tagged);
+  }
+
+  void singleInstance() {
+    const QString path = QString::fromStdString(dir_ / "instance.sock");
+    // A socket left by a copy that died answers nobody: the next start takes it over.
+    int stale = ::socket(AF_UNIX, SOCK_STREAM, 0);
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    std::snprintf(address.sun_path, sizeof address.sun_path, "%s", path.toUtf8().constData());
+    QCOMPARE(::bind(stale, reinterpret_cast<sockaddr*>(&address), sizeof address), 0);
+    ::close(stale);
+    SingleInstance first(path);
+    QVERIFY(!first.AskRunningCopy());
+    QVERIFY(first.Listen());
+    QSignalSpy raised(&first, &SingleInstance::raiseRequested);
+    SingleInstance second(path);
+    QVERIFY(second.AskRunningCopy());
+    QTRY_COMPARE(raised.count(), 1);
+    QVERIFY(!second.Listen());
+  }
+
+  void startupPictures_data() {
+    QTest::addColumn<int>("bits");
+    for (int bits : {1, 4, 8, 24}) QTest::addRow("%d bits", bits) << bits;
+  }
+
+  void startupPictures() {
+    QFETCH(int, bits);
+    const std::string path = dir_ / "logo.bmp";
+    test::Picture picture = test::Pattern(37, 21, static_cast<uint32_t>(bits));
+    QCOMPARE(test::WritePicture(picture, path), 0);
+    test::Picture read;
+    QCOMPARE(test::ReadPicture(path, read), 0);
+    QImage image = ReadPictureFile(path);
+    QCOMPARE(image.size(), QSize(37, 21));
+    for (int y = 0; y < 21; y += 5)
+      for (int x = 0; x < 37; x += 3) {
+        Rgb c = read.Colour(static_cast<uint32_t>(x), y);
+        QCOMPARE(image.pixel(x, y), qRgb(c.red, c.green, c.blue));
+      }
+    QCOMPARE(StartupPicture(path, 2.0).size(), QSize(37, 21));
+    // Without a readable picture the painted logo is drawn for the screen's pixel ratio.
+    QPixmap painted = StartupPicture(dir_ / "none.bmp", 2.0);
+    QCOMPARE(painted.devicePixelRatio(), 2.0);
+    QCOMPARE(painted.deviceIndependentSize().toSize(), QSize(360, 150));
   }
 
   void helpAndPaste() {

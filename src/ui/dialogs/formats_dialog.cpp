@@ -1,9 +1,12 @@
 #include "dialogs/formats_dialog.h"
 
+#include <QApplication>
 #include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QListWidget>
+#include <QPainter>
 #include <QPushButton>
+#include <QStyledItemDelegate>
 #include <QVBoxLayout>
 
 #include "commands/command_ids.h"
@@ -17,6 +20,32 @@ namespace {
 
 // The mark of a switched-on format: character 215 of the Latin-1 set.
 constexpr char kMark[] = "\xC3\x97";
+
+// Draws a line's two tab-separated parts in two columns: the mark, then the description.
+class MarkColumnDelegate : public QStyledItemDelegate {
+ public:
+  using QStyledItemDelegate::QStyledItemDelegate;
+
+  void paint(QPainter* painter, const QStyleOptionViewItem& option,
+             const QModelIndex& index) const override {
+    QStyleOptionViewItem item(option);
+    initStyleOption(&item, index);
+    const QStringList parts = item.text.split(u'\t');
+    item.text.clear();
+    const QWidget* widget = item.widget;
+    QStyle* style = widget ? widget->style() : QApplication::style();
+    style->drawControl(QStyle::CE_ItemViewItem, &item, painter, widget);
+    QRect text = style->subElementRect(QStyle::SE_ItemViewItemText, &item, widget);
+    const int markWidth = item.fontMetrics.horizontalAdvance(QStringLiteral("MM"));
+    painter->save();
+    painter->setPen(item.palette.color(
+        item.state & QStyle::State_Selected ? QPalette::HighlightedText : QPalette::Text));
+    painter->drawText(text.adjusted(4, 0, 0, 0), Qt::AlignLeft | Qt::AlignVCenter, parts.value(0));
+    painter->drawText(text.adjusted(4 + markWidth, 0, 0, 0), Qt::AlignLeft | Qt::AlignVCenter,
+                      parts.value(1));
+    painter->restore();
+  }
+};
 
 }  // namespace
 
@@ -40,6 +69,7 @@ FormatsDialog::FormatsDialog(QWidget* owner, Settings& settings, std::function<v
     list_->addItem(ToQt(FormatsLine(row, settings)));
     rows_.push_back(row);
   }
+  list_->setItemDelegate(new MarkColumnDelegate(list_));
   list_->setMinimumSize(300, 360);
   list_->installEventFilter(this);
   connect(list_, &QListWidget::itemClicked, this,

@@ -43,14 +43,14 @@ bool SingleInstance::AskRunningCopy() {
 }
 
 bool SingleInstance::Listen() {
-  server_.setSocketOptions(QLocalServer::UserAccessOption);
-  if (server_.listen(path_)) return true;
-  // A socket left by a copy that ended without removing it answers nobody: take it over. One
-  // that answers belongs to a running copy (started with AllowMultipleInstances) and stays.
-  if (server_.serverError() != QAbstractSocket::AddressInUseError) return false;
+  // A socket that answers belongs to a running copy (started with AllowMultipleInstances): it
+  // stays theirs. One that answers nobody was left by a copy that ended without removing it.
   QLocalSocket probe;
   probe.connectToServer(path_);
   if (probe.waitForConnected(kWaitMs)) return false;
+  server_.setSocketOptions(QLocalServer::UserAccessOption);
+  if (server_.listen(path_)) return true;
+  if (server_.serverError() != QAbstractSocket::AddressInUseError) return false;
   QLocalServer::removeServer(path_);
   return server_.listen(path_);
 }
