@@ -62,7 +62,8 @@ int Startup(QApplication& app) {
   app.installEventFilter(&watch);
   QTimer poll;
   QObject::connect(&poll, &QTimer::timeout, [&] {
-    if (!watch.times.empty()) QApplication::quit();
+    if (!watch.times.empty())
+      QCoreApplication::exit(0);  // quit() would close the window, which asks first
   });
   poll.start(1);
   pxm::ui::RunPixmill(app);
@@ -121,7 +122,7 @@ int Batch(const std::string& file) {
       return code;
     });
     end = static_cast<double>(clockSinceMain.nsecsElapsed()) / 1e6;
-    QApplication::quit();
+    QCoreApplication::exit(0);  // quit() would close the window, which asks first
   });
   QApplication::exec();
   double gap = 0, last = start;
