@@ -5,13 +5,17 @@
 #include <unistd.h>
 
 #include <QAbstractButton>
+#include <QAccessible>
 #include <QAction>
 #include <QCheckBox>
 #include <QClipboard>
 #include <QComboBox>
 #include <QImage>
+#include <QLineEdit>
 #include <QListWidget>
+#include <QMenuBar>
 #include <QMouseEvent>
+#include <QProgressBar>
 #include <QSignalSpy>
 #include <QSpinBox>
 #include <filesystem>
@@ -20,6 +24,7 @@
 #include "commands/command_folding.h"
 #include "commands/dispatcher.h"
 #include "common/control_font.h"
+#include "dialogs/destination_dialog.h"
 #include "dialogs/formats_dialog.h"
 #include "dialogs/setup_dialog.h"
 #include "help/help_window.h"
@@ -70,6 +75,27 @@ void Move(QWidget* button, QPoint at, Qt::MouseButtons held = Qt::NoButton) {
 void Fire(FakeTimerState& timer) {
   timer.pending = false;
   if (timer.fire) timer.fire();
+}
+
+// The controls of `root` that take input or show state and have no name a screen reader could
+// read, by objectName.
+QStringList Unnamed(QWidget* root) {
+  QStringList unnamed;
+  for (QWidget* widget : root->findChildren<QWidget*>()) {
+    bool control = qobject_cast<QAbstractButton*>(widget) || qobject_cast<QComboBox*>(widget) ||
+                   qobject_cast<QAbstractSpinBox*>(widget) || qobject_cast<QLineEdit*>(widget) ||
+                   qobject_cast<QAbstractItemView*>(widget) ||
+                   qobject_cast<QProgressBar*>(widget) || qobject_cast<QMenuBar*>(widget);
+    if (!control || !widget->isVisibleTo(root) || widget->objectName().startsWith("qt_")) continue;
+    // The parts of a composite control (a drop-down list's pop-up) speak through it.
+    bool part = false;
+    for (QWidget* up = widget->parentWidget(); up && up != root; up = up->parentWidget())
+      part = part || qobject_cast<QComboBox*>(up) || qobject_cast<QAbstractSpinBox*>(up);
+    if (part) continue;
+    QAccessibleInterface* face = QAccessible::queryAccessibleInterface(widget);
+    if (!face || face->text(QAccessible::Name).isEmpty()) unnamed << widget->objectName();
+  }
+  return unnamed;
 }
 
 std::vector<std::string> RecentItems(MainWindow& window) {
@@ -390,6 +416,31 @@ class CommandsTest : public QObject {
     QPixmap painted = StartupPicture(dir_ / "none.bmp", 2.0);
     QCOMPARE(painted.devicePixelRatio(), 2.0);
     QCOMPARE(painted.deviceIndependentSize().toSize(), QSize(360, 150));
+  }
+
+  void everyControlHasAName() {
+    ScopedSettings settings;
+    AppState app;
+    MainWindow window(app);
+    QCOMPARE(Unnamed(&window), QStringList{});
+    settings->ButtonBar = 0;
+    window.ApplySetupResult(1);
+    QCOMPARE(Unnamed(&window), QStringList{});
+    QCOMPARE(window.TextBar()->Button(117)->accessibleName(), QStringLiteral("Trnsfrm"));
+    SetupDialog setup(nullptr, *settings, {});
+    QCOMPARE(Unnamed(&setup), QStringList{});
+    FormatsDialog formats(nullptr, *settings, {});
+    QCOMPARE(Unnamed(&formats), QStringList{});
+    settings->PromptForDestination = 1;
+    uitest::DialogScript script;
+    QStringList unnamed;
+    script.Then("DESTINATIONBOX", [&unnamed](QWidget* dialog) {
+      unnamed = Unnamed(dialog);
+      uitest::ClickButton(dialog, "button852");
+    });
+    QVERIFY(!AskDestination(nullptr, {}, *settings));
+    QVERIFY(script.Done());
+    QCOMPARE(unnamed, QStringList{});
   }
 
   void helpAndPaste() {

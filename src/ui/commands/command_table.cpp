@@ -19,7 +19,7 @@ const CommandInfo kCommands[] = {
     {kCmdClearAll,           F, "C&lear All",           "Clear all", false, "clear-all", K::Deselect},
     {kCmdRename,             F, "&Rename",              "Rename",    true,  "rename"},
     {kCmdDelete,             F, "&Delete",              "Delete",    true,  "delete", K::Delete},
-    {kCmdChangeDirectory,    F, "&Change Directory",    "",          false, "change-directory", K::UnknownKey, true},
+    {kCmdChangeDirectory,    F, "&Change Directory",    "",          false, "change-directory", K::Open, true},
     {kCmdFormats,            F, "&Formats",             "",          false, "formats"},
     {kCmdSetup,              F, "&Setup",               "Setup",     false, "setup", K::Preferences},
     {kCmdExit,               F, "E&xit",                "Quit",      false, "exit", K::Quit, true},

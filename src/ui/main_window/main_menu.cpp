@@ -13,6 +13,7 @@ namespace pxm::ui {
 MainMenu::MainMenu(QMenuBar* bar, std::function<void(int id)> send)
     : QObject(bar), send_(std::move(send)) {
   bar->setObjectName(QStringLiteral("MainMenu"));
+  bar->setAccessibleName(QStringLiteral("Main menu"));
   for (const MenuInfo& menuInfo : MenuBarTable()) {
     QMenu* menu = bar->addMenu(ToQt(menuInfo.title));
     menu->setObjectName(QStringLiteral("menu%1").arg(static_cast<int>(menuInfo.id)));
