@@ -72,7 +72,11 @@ std::vector<std::string> BuildFileList(const std::string& directory, const Setti
       if (name == "." || name == "..") continue;
       bool isFile = false;
       if (EntryIsDirectory(directory, *entry, isFile)) {
-        if (ListsAsDirectory(name, settings)) entries.push_back("[" + std::string(name) + "]");
+        if (ListsAsDirectory(name, settings)) {
+          // Built by appending: "literal" + string trips a false -Wrestrict of GCC 12 at -O3.
+          std::string bracketed(1, '[');
+          entries.push_back(bracketed.append(name).append("]"));
+        }
       } else if (isFile && ListsAsPicture(name, settings)) {
         entries.emplace_back(name);
       }
