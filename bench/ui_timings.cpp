@@ -82,6 +82,7 @@ int List(const std::string& directory, int runs) {
     window.RebuildList(false);
     build.push_back(static_cast<double>(timer.nsecsElapsed()) / 1e6);
   }
+  std::printf("list_entries %d\n", window.Model()->rowCount());
   // A change: one file more, with a tenth of the files tagged, whose tags must survive.
   window.Dispatch(102, false);
   std::vector<std::string> tagged = window.TaggedFiles();
@@ -96,7 +97,6 @@ int List(const std::string& directory, int runs) {
     rebuild.push_back(static_cast<double>(timer.nsecsElapsed()) / 1e6);
     ::unlink(added.c_str());
   }
-  std::printf("list_entries %d\n", window.Model()->rowCount());
   std::printf("list_build %.2f\n", Median(build));
   std::printf("list_rebuild %.2f\n", Median(rebuild));
   return window.TaggedCount() == tagged.size() ? 0 : 1;
