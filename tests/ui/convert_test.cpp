@@ -3,6 +3,7 @@
 // and a click that stops a large Convert without leaving a file.
 #include <unistd.h>
 
+#include <QKeyEvent>
 #include <QMouseEvent>
 #include <QProgressBar>
 #include <filesystem>
@@ -109,7 +110,14 @@ class ConvertTest : public QObject {
     QCOMPARE(test::ListDirectory(dir.path()), (std::vector<std::string>{"bad.bmp", "good.bmp"}));
   }
 
+  void clickStopsALargeConvert_data() {
+    QTest::addColumn<bool>("escape");
+    QTest::newRow("a click") << false;
+    QTest::newRow("Escape") << true;
+  }
+
   void clickStopsALargeConvert() {
+    QFETCH(bool, escape);
     test::TempDir dir;
     QCOMPARE(test::WritePicture(test::Pattern(2400, 1600, 24), dir / "big.bmp"), 0);
     QCOMPARE(test::WritePicture(test::Pattern(8, 8, 24), dir / "small.bmp"), 0);
@@ -119,15 +127,20 @@ class ConvertTest : public QObject {
     MainWindow window(app);
     window.show();
     window.TagEntries({"big.bmp", "small.bmp"});
-    // The click comes while the output is being written.
-    QObject::connect(
-        &window.BatchHost(), &GuiHost::statusChanged, &window, [&window](const QString& text) {
-          if (!text.startsWith("Writing")) return;
-          QPoint at(100, 100);
-          QCoreApplication::postEvent(
-              &window, new QMouseEvent(QEvent::MouseButtonPress, at, window.mapToGlobal(at),
-                                       Qt::LeftButton, Qt::LeftButton, Qt::NoModifier));
-        });
+    // The click (or Escape) comes while the output is being written.
+    QObject::connect(&window.BatchHost(), &GuiHost::statusChanged, &window,
+                     [&window, escape](const QString& text) {
+                       if (!text.startsWith("Writing")) return;
+                       QPoint at(100, 100);
+                       QEvent* event = nullptr;
+                       if (escape)
+                         event = new QKeyEvent(QEvent::KeyPress, Qt::Key_Escape, Qt::NoModifier);
+                       else
+                         event =
+                             new QMouseEvent(QEvent::MouseButtonPress, at, window.mapToGlobal(at),
+                                             Qt::LeftButton, Qt::LeftButton, Qt::NoModifier);
+                       QCoreApplication::postEvent(&window, event);
+                     });
     uitest::DialogScript script;
     script.Press("DESTINATIONBOX", QStringLiteral("button%1").arg(kPcxButton))
         .Press("RESULTBOX", "button851");

@@ -13,7 +13,7 @@ constexpr HelpPage kPages[] = {
     {"index", "Pixmill help",
      "<p>Pixmill lists the picture files of one directory. Tag the files you want to work on "
      "(a click tags or untags a file), then choose a command: it runs over every tagged file in "
-     "turn. A click anywhere while a command runs stops it after the file in hand; nothing half "
+     "turn. A click anywhere (or Escape) while a command runs stops it after the file in hand; nothing half "
      "written is left behind.</p>"
      "<p>Double-click a directory (shown as <tt>[name]</tt>) to go into it, or <tt>[..]</tt> to "
      "go up. The File menu remembers the last nine directories you went to; hold Shift while "

@@ -1,6 +1,7 @@
 #include "host/abort_filter.h"
 
 #include <QEvent>
+#include <QKeyEvent>
 #include <QMouseEvent>
 
 namespace pxm::ui {
@@ -13,12 +14,15 @@ bool AbortFilter::Swallow(QEvent* event) {
       if (mouse->button() == Qt::LeftButton || mouse->button() == Qt::RightButton) click_ = true;
       return true;
     }
+    // Escape asks to stop as a click does, for those who work from the keyboard.
+    case QEvent::KeyPress:
+      if (static_cast<QKeyEvent*>(event)->key() == Qt::Key_Escape) click_ = true;
+      return true;
     // Everything else the user can do to a window: keys, the wheel, pointer moves, hovering,
     // tooltips, menus, drags and the window manager's close.
     case QEvent::MouseButtonRelease:
     case QEvent::MouseMove:
     case QEvent::Wheel:
-    case QEvent::KeyPress:
     case QEvent::KeyRelease:
     case QEvent::ShortcutOverride:
     case QEvent::Shortcut:

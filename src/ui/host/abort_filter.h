@@ -3,9 +3,9 @@
 #include <QObject>
 
 // While an operation runs nothing the user does may start another command: this filter, set on
-// the whole application, swallows every input event and turns a left or right mouse press into
-// the request to stop. Paint, timer and window-system events go through, so the progress bar
-// keeps moving.
+// the whole application, swallows every input event and turns a left or right mouse press (or
+// Escape) into the request to stop. Paint, timer and window-system events go through, so the
+// progress bar keeps moving.
 namespace pxm::ui {
 
 class AbortFilter : public QObject {
