@@ -149,7 +149,8 @@ void MainWindow::BuildCentralArea() {
     int row = model_->RowOf("[..]");
     if (row >= 0) Open(model_->index(row));
   });
-  connect(list_, &FileListView::rebuildRequested, this, [this] { RebuildList(true); });
+  // F5 builds the list anew, and a list built anew has nothing tagged.
+  connect(list_, &FileListView::rebuildRequested, this, [this] { RebuildList(false); });
   connect(list_, &FileListView::commandRequested, this, &MainWindow::Send);
   central_->installEventFilter(this);
   list_->setFocus();
@@ -362,7 +363,8 @@ void MainWindow::SetupCommand() {
 }
 
 void MainWindow::FormatsCommand() {
-  if (RunFormatsDialog(this, CurrentSettings(), [this] { ShowHelp("formats"); })) RebuildList(true);
+  if (RunFormatsDialog(this, CurrentSettings(), [this] { ShowHelp("formats"); }))
+    RebuildList(false);
 }
 
 void MainWindow::WriteConfigurationNow() {
