@@ -86,3 +86,8 @@ done < "$cases"
 
 python3 bench/report.py "$results" "$out/results.md" "$out/results.csv"
 cat "$out/results.md"
+
+# The desktop program's own timings, in the same run.
+if [ -z "$only" ] || [[ "desktop program" == *"$only"* ]]; then
+  bench/ui.sh --runs "$runs"
+fi

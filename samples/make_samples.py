@@ -251,6 +251,10 @@ def sstv(name):
     for y in range(240):
         for x in range(256):
             data += bytes(c >> 2 for c in rgb_at(x * W // 256, y * H // 240))
+    with open(os.path.join(HERE, name), 'wb') as f:
+        f.write(data)
+
+
 def dib(bits, w=W, h=H, icon=False):
     """A bitmap without a file header, of the wheel scaled to w x h: an icon's header counts the
     rows of its mask too, and the mask (all opaque) follows the picture."""
@@ -324,10 +328,13 @@ def gem(name):
     head += b''.join(struct.pack('>3H', *((c * 1000 + 127) // 255 for c in e)) for e in pal)
     with open(os.path.join(HERE, name), 'wb') as f:
         f.write(head + bytes(out))
+
+
 def pictor(name):
     """PC Paint: four EGA planes of the 16-colour wheel, bottom row first, in one block of
     plain bytes (the marker byte never occurs in them)."""
     pal, rows = index_rows(4)
+    data = bytearray()
     for plane in range(4):
         for row in reversed(rows):
             for x in range(0, W, 8):
@@ -340,14 +347,18 @@ def pictor(name):
     vga = b''.join(bytes((r >> 2, g >> 2, b >> 2)) for r, g, b in pal[:16])
     out = struct.pack('<HHHHHBBBHH', 0x1234, W, H, 0, 0, 0x31, 0xFF, ord('M'), 5, len(vga))
     out += vga + struct.pack('<HHHB', 1, len(data) + 5, len(data), marker) + data
+    with open(os.path.join(HERE, name), 'wb') as f:
         f.write(out)
 
 
 def halo(name):
     """Dr. Halo: the 8-bit wheel as literal runs, and its palette file beside it."""
+    pal, rows = index_rows(8)
     out = bytearray(struct.pack('<HHH', W, H, 0))
+    for row in rows:
         packed = bytes((W,)) + bytes(row) + b'\0'
         out += struct.pack('<H', len(packed)) + packed
+    with open(os.path.join(HERE, name), 'wb') as f:
         f.write(out)
     table = bytearray()
     pos = 40
@@ -366,6 +377,7 @@ def halo(name):
 def wpg(name):
     """WordPerfect Graphics version 1: the 8-bit wheel after its colour map, rows as literal
     runs."""
+    pal, rows = index_rows(8)
 
     def record(kind, data):
         return bytes((kind, 0xFF)) + struct.pack('<HH', 0x8000 | len(data) >> 16, len(data) & 0xFFFF) + data
@@ -374,7 +386,10 @@ def wpg(name):
     out = b'\xffWPC' + struct.pack('<IBBBBHH', 16, 1, 0x16, 1, 0, 0, 0)
     out += bytes((0x0F, 6, 1, 0)) + struct.pack('<HH', W * 16, H * 16)
     out += record(0x0E, colours) + record(0x0B, bitmap) + bytes((0x10, 0))
+    with open(os.path.join(HERE, name), 'wb') as f:
         f.write(out)
+
+
 def ico(name, images):
     """An icon file of (width, height, bits) images of the wheel."""
     parts = [dib(bits, w, h, icon=True) for w, h, bits in images]
@@ -489,6 +504,8 @@ def windows_samples():
     pe_library('wheels.dll', library_resources())
     ne_library('wheels.vbx', library_resources())
     cdr('wheel.cdr')
+
+
 def wheel_at(x, y, w, h):
     """The colour wheel of rgb_at drawn at any size, for pictures larger than the bitmaps."""
     cx, cy = x - w / 2 + 0.5, y - h / 2 + 0.5
@@ -530,6 +547,8 @@ def photo_cd(name):
                     out[at] = (ycc[y][x][plane] + ycc[y][x + 1][plane] + ycc[y + 1][x][plane] +
                                ycc[y + 1][x + 1][plane] + 2) // 4
                     at += 1
+    with open(os.path.join(HERE, name), 'wb') as f:
+        f.write(out)
 
 
 def text(name):
@@ -540,6 +559,7 @@ def text(name):
              '',
              '  0123456789 !"#$%&\'()*+,-./:;<=>?@[\\]^_`{|}~',
              '  ABCDEFGHIJKLMNOPQRSTUVWXYZ abcdefghijklmnopqrstuvwxyz']
+    with open(os.path.join(HERE, name), 'wb') as f:
         f.write('\r\n'.join(lines).encode('utf-8') + b'\r\n')
 
 
@@ -554,6 +574,7 @@ def self_displaying(name, picture):
                          0xFFFF, 0, 0x100, 0, 0, 0, 0x1C) + b'\0' * 6
     with open(os.path.join(HERE, picture), 'rb') as f:
         pic = f.read()
+    with open(os.path.join(HERE, name), 'wb') as f:
         f.write(header + body + pic)
 
 
@@ -568,6 +589,7 @@ def photo_paint6(name):
         ifd += struct.pack('<HHI', tag, kind, count)
         ifd += struct.pack('<HH', value, 0) if kind == 3 and count == 1 else struct.pack('<I', value)
     out = b'II*\0' + struct.pack('<I', 8) + ifd + struct.pack('<I', 0) + struct.pack('<HHH', 8, 8, 8)
+    with open(os.path.join(HERE, name), 'wb') as f:
         f.write(out + data)
 
 

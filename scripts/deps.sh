@@ -4,10 +4,14 @@
 #   deps.sh test    the above, plus the programs the tests compare Pixmill with
 #   deps.sh bench   the above, plus the tools the benchmarks time Pixmill against
 #   deps.sh fuzz    the above, plus clang and its fuzzing runtime
+#   deps.sh run     build, plus the virtual X server and tools the run command uses
 set -euo pipefail
 
 build=(build-essential cmake ninja-build pkg-config zlib1g-dev libpng-dev libjpeg62-turbo-dev
-       libtiff-dev libcli11-dev libgtest-dev libgmock-dev)
+       libtiff-dev libcli11-dev libgtest-dev libgmock-dev qt6-base-dev fonts-dejavu-core)
+# The desktop program's tests: a virtual X server, the tool that drives it, the desktop file
+# checker and ImageMagick's screenshot tool (import).
+ui=(xvfb xauth xdotool desktop-file-utils imagemagick)
 test=(imagemagick netpbm python3 python3-pil libjpeg-turbo-progs libtiff-tools sharutils gifsicle
       ffmpeg graphicsmagick icoutils poppler-utils)
 bench=(graphicsmagick libvips-tools hyperfine time)
@@ -16,10 +20,11 @@ fuzz=(clang libclang-rt-14-dev)
 want=("${build[@]}")
 case "${1:-build}" in
   build) ;;
-  test) want+=("${test[@]}") ;;
-  bench) want+=("${test[@]}" "${bench[@]}") ;;
+  test) want+=("${test[@]}" "${ui[@]}") ;;
+  bench) want+=("${test[@]}" "${ui[@]}" "${bench[@]}") ;;
   fuzz) want+=("${test[@]}" "${fuzz[@]}") ;;
-  *) echo "usage: $0 build|test|bench|fuzz" >&2; exit 2 ;;
+  run) want+=("${ui[@]}") ;;
+  *) echo "usage: $0 build|test|bench|fuzz|run" >&2; exit 2 ;;
 esac
 
 missing=()

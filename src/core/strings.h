@@ -43,6 +43,25 @@ enum StringId : int {
   kStrUueNoEnd = 176,
   kStrCreationNotice = 1000,
   kStrTiffTagBase = 2000,
+  kStrTooltipBase = 940,  // graphic button tooltips: 940 + the button's identifier
+  kStrOverwriteQuestion = 3001,
+  kStrNoFilesWritten = 3002,
+  kStrOneFileWritten = 3003,
+  kStrFilesWritten = 3004,
+  kStrFilesFailed = 3005,
+  kStrBatchStopped = 3006,
+  kStrTagFailedFiles = 3007,
+  kStrVersion = 3008,
+  kStrAboutText = 3009,
+  kStrFileListName = 3010,
+  kStrTagCountCell = 3011,
+  kStrStatusCell = 3012,
+  kStrProgressCell = 3013,
+  kStrSelectImage = 3014,
+  kStrCommentFor = 3015,
+  kStrChooseDirectory = 3016,
+  kStrSaveAs = 3017,
+  kStrDestinationDirectory = 3018,
 };
 
 // The text shown when an identifier has no entry.
